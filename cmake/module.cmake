@@ -1,0 +1,43 @@
+# SPDX-License-Identifier: MIT
+# add_module(<name> SOURCES ... [LINKS <module>...] [EXTERNAL <target>...])
+#
+# One call makes one room of the house: library havrel::<name>, its warning flags, its place in the order of the floors
+# (a module may link only modules that were added before it), and a check that every header compiles alone.
+# Sources are given relative to the root, because one module may stand in more than one folder.
+set_property(GLOBAL PROPERTY HAVREL_LAYERS "")
+
+function(add_module name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;EXTERNAL" ${ARGN})
+    get_property(layers GLOBAL PROPERTY HAVREL_LAYERS)
+    foreach(dep IN LISTS ARG_LINKS)
+        if(NOT dep IN_LIST layers)
+            message(FATAL_ERROR "${name} may not link ${dep}: it is not a lower floor")
+        endif()
+    endforeach()
+    list(TRANSFORM ARG_SOURCES PREPEND "${PROJECT_SOURCE_DIR}/")
+    add_library(${name} STATIC ${ARG_SOURCES})
+    add_library(havrel::${name} ALIAS ${name})
+    set_target_properties(${name} PROPERTIES OUTPUT_NAME havrel_${name})
+    target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
+    list(TRANSFORM ARG_LINKS PREPEND havrel::)
+    target_link_libraries(${name} PUBLIC ${ARG_LINKS} ${ARG_EXTERNAL} PRIVATE havrel_flags)
+    set_property(GLOBAL APPEND PROPERTY HAVREL_LAYERS ${name})
+
+    set(headers ${ARG_SOURCES})
+    list(FILTER headers INCLUDE REGEX "\\.h$")
+    if(headers)
+        target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${headers})
+        set_target_properties(${name} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
+    endif()
+endfunction()
+
+# add_module_tests(<name> MODULES <module>... SOURCES <unit>_test.cpp... [LINKS <target>...])
+# Sources are given relative to tests/.
+function(add_module_tests name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;MODULES;LINKS" ${ARGN})
+    list(TRANSFORM ARG_SOURCES PREPEND "${PROJECT_SOURCE_DIR}/tests/")
+    list(TRANSFORM ARG_MODULES PREPEND havrel::)
+    add_executable(${name}_tests ${ARG_SOURCES})
+    target_link_libraries(${name}_tests PRIVATE ${ARG_MODULES} ${ARG_LINKS} GTest::gmock GTest::gtest_main havrel_flags)
+    gtest_discover_tests(${name}_tests TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60 PROPERTIES LABELS "unit;${name}")
+endfunction()

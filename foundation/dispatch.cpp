@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/dispatch.h"
+
+#include "diagnostics/logr.h"
+#include "platform/file_names.h"
+
+#include <QCoreApplication>
+#include <QMetaObject>
+#include <QThreadPool>
+
+#include <condition_variable>
+#include <exception>
+#include <mutex>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <pthread.h>
+
+namespace havrel {
+namespace {
+
+thread_local const void* t_currentQueue = nullptr; // the state of the queue whose thread this is
+
+void logEscapingException()
+{
+    Logr::logException(LogClassification::Debug, Exception::fromCurrent());
+}
+
+void runThrowingOn(const std::function<void()>& block)
+{
+    try {
+        block();
+    } catch (...) {
+        logEscapingException();
+        throw;
+    }
+}
+
+void runAtWall(const std::function<void()>& block)
+{
+    try {
+        block();
+    } catch (...) {
+        logEscapingException();
+    }
+}
+
+} // namespace
+
+void onMainQueue(std::function<void()> block)
+{
+    QMetaObject::invokeMethod(
+        QCoreApplication::instance(), [block = std::move(block)] { runThrowingOn(block); }, Qt::QueuedConnection);
+}
+
+void onGlobalQueue(std::function<void()> block)
+{
+    QThreadPool::globalInstance()->start([block = std::move(block)] { runAtWall(block); });
+}
+
+struct SerialQueue::State
+{
+    explicit State(const QString& queueName)
+        : name(queueName)
+    {
+    }
+
+    void run();
+    void startThreadLocked();
+
+    const QString name;
+    std::mutex lock;
+    std::condition_variable arrived;
+    std::vector<std::function<void()>> waiting; // guarded by lock
+    bool idle = false;                          // guarded by lock: the thread waits for a block
+    bool ending = false;                        // guarded by lock
+    std::thread thread;                         // guarded by lock until ending
+};
+
+void SerialQueue::State::run()
+{
+    t_currentQueue = this;
+    ::pthread_setname_np(::pthread_self(), platform::bytesOfFileName(name).left(15).constData());
+    std::vector<std::function<void()>> batch;
+    std::unique_lock guard(lock);
+    while (true) {
+        idle = true;
+        arrived.wait(guard, [this] { return !waiting.empty() || ending; });
+        idle = false;
+        if (waiting.empty())
+            return;
+        batch.swap(waiting);
+        guard.unlock();
+        for (auto& block : batch) {
+            runAtWall(block);
+            block = nullptr; // what the block holds goes before the next one runs
+        }
+        batch.clear();
+        guard.lock();
+    }
+}
+
+void SerialQueue::State::startThreadLocked()
+{
+    if (!thread.joinable())
+        thread = std::thread([this] { run(); });
+}
+
+SerialQueue::SerialQueue(const QString& name)
+    : m_state(std::make_unique<State>(name))
+{
+}
+
+SerialQueue::~SerialQueue()
+{
+    std::thread thread;
+    {
+        const std::lock_guard guard(m_state->lock);
+        m_state->ending = true;
+        thread = std::move(m_state->thread);
+    }
+    m_state->arrived.notify_one();
+    if (thread.joinable())
+        thread.join();
+}
+
+QString SerialQueue::name() const
+{
+    return m_state->name;
+}
+
+bool SerialQueue::isCurrent() const noexcept
+{
+    return t_currentQueue == m_state.get();
+}
+
+void SerialQueue::async(std::function<void()> block)
+{
+    bool wake = false;
+    {
+        const std::lock_guard guard(m_state->lock);
+        m_state->startThreadLocked();
+        m_state->waiting.push_back(std::move(block));
+        wake = std::exchange(m_state->idle, false);
+    }
+    if (wake)
+        m_state->arrived.notify_one();
+}
+
+void SerialQueue::sync(const std::function<void()>& block)
+{
+    if (isCurrent()) {
+        block();
+        return;
+    }
+    std::mutex lock;
+    std::condition_variable done;
+    bool finished = false;
+    std::exception_ptr thrown;
+    async([&] {
+        try {
+            block();
+        } catch (...) {
+            thrown = std::current_exception();
+        }
+        const std::lock_guard guard(lock);
+        finished = true;
+        done.notify_one();
+    });
+    std::unique_lock guard(lock);
+    done.wait(guard, [&finished] { return finished; });
+    if (thrown)
+        std::rethrow_exception(thrown);
+}
+
+void SerialQueue::barrier()
+{
+    sync([] {});
+}
+
+} // namespace havrel
