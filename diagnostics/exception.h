@@ -110,40 +110,42 @@ public:
     /// The value under \p key; nil when there is none.
     [[nodiscard]] QVariant detail(const QString& key) const;
 
-    HVException& setDetail(const QVariant& value, const QString& key);         ///< \selector setDetail:key:
-    HVException& setHexDetail(quint64 value, const QString& key);              ///< at least 4 digits, 8 from 65536 on. \selector setHexDetail:key:
-    HVException& setLongLongHexDetail(quint64 value, const QString& key);      ///< at least 16 digits. \selector setLongLongHexDetail:key:
-    HVException& setDecimalDetail(qint64 value, const QString& key);           ///< \selector setDecimalDetail:key:
-    HVException& setLongLongDetail(qint64 value, const QString& key);          ///< \selector setLongLongDetail:key:
-    HVException& setPOSIXErr(int errnoValue);                                  ///< number and English text. \selector setPOSIXErr:
-    HVException& setPOSIXErr(int errnoValue, const QString& api);              ///< \selector setPOSIXErr:api:
-    HVException& setError(const std::optional<Error>& error);                  ///< nothing for nullopt. \selector setError:
-    HVException& setAPI(const QString& api);                                   ///< \selector setAPI:
-    HVException& setFile(const QVariant& file);                                ///< \selector setFile:
-    HVException& setFolder(const QVariant& folder);                            ///< \selector setFolder:
-    HVException& setObject(const QVariant& object);                            ///< \selector setObject:
-    HVException& setStrPath(const QString& path);                              ///< a null string is nil. \selector setStrPath:
-    HVException& setExpected(const QVariant& expected);                        ///< \selector setExpected:
-    HVException& setClass(const QString& className);                           ///< \selector setClass:
-    HVException& setCause(const std::optional<Exception>& cause);              ///< \selector setCause:
-    HVException& setExplanation(const QString& explanation);                   ///< \selector setExplanation:
+    HVException& setDetail(const QVariant& value, const QString& key); ///< \selector setDetail:key:
+    HVException& setHexDetail(quint64 value,
+                              const QString& key); ///< at least 4 digits, 8 from 65536 on. \selector setHexDetail:key:
+    HVException& setLongLongHexDetail(quint64 value,
+                                      const QString& key); ///< at least 16 digits. \selector setLongLongHexDetail:key:
+    HVException& setDecimalDetail(qint64 value, const QString& key);  ///< \selector setDecimalDetail:key:
+    HVException& setLongLongDetail(qint64 value, const QString& key); ///< \selector setLongLongDetail:key:
+    HVException& setPOSIXErr(int errnoValue);                     ///< number and English text. \selector setPOSIXErr:
+    HVException& setPOSIXErr(int errnoValue, const QString& api); ///< \selector setPOSIXErr:api:
+    HVException& setError(const std::optional<Error>& error);     ///< nothing for nullopt. \selector setError:
+    HVException& setAPI(const QString& api);                      ///< \selector setAPI:
+    HVException& setFile(const QVariant& file);                   ///< \selector setFile:
+    HVException& setFolder(const QVariant& folder);               ///< \selector setFolder:
+    HVException& setObject(const QVariant& object);               ///< \selector setObject:
+    HVException& setStrPath(const QString& path);                 ///< a null string is nil. \selector setStrPath:
+    HVException& setExpected(const QVariant& expected);           ///< \selector setExpected:
+    HVException& setClass(const QString& className);              ///< \selector setClass:
+    HVException& setCause(const std::optional<Exception>& cause); ///< \selector setCause:
+    HVException& setExplanation(const QString& explanation);      ///< \selector setExplanation:
     /// At most the first 1024 bytes of a file-system path; nothing for a null pointer. \selector setCPath:
     HVException& setCPath(const char* path);
-    HVException& setFilePosition(qint64 position);                             ///< \selector setFilePosition:
-    HVException& setLength(qint64 length);                                     ///< \selector setLength:
-    HVException& setPackageType(unsigned type);                                ///< \selector setPackageType:
-    HVException& setPackageNumber(qint64 number);                              ///< \selector setPackageNumber:
+    HVException& setFilePosition(qint64 position); ///< \selector setFilePosition:
+    HVException& setLength(qint64 length);         ///< \selector setLength:
+    HVException& setPackageType(unsigned type);    ///< \selector setPackageType:
+    HVException& setPackageNumber(qint64 number);  ///< \selector setPackageNumber:
     /// Path, position and physical position (0 without content). What the content raises is swallowed.
     /// \selector setContent:position:
     HVException& setContent(const ContentSource* content, qint64 position);
-    HVException& setClassOf(const QVariant& object);                           ///< \selector setClassOf:
-    HVException& setMessage(const QString& selector);                          ///< \selector setMessage:
-    HVException& setMessage(const QString& selector, const QVariant& object);  ///< \selector setMessage:toObject:
-    HVException& setVersion(quint32 buildVersion);                             ///< \selector setVersion:
-    HVException& setPreferredLogClass(LogClassification classification);       ///< \selector setPreferredLogClass:
-    HVException& setSoft(bool soft);                                           ///< \selector setSoft:
-    HVException& setFlag(const QString& key);                                  ///< \selector setFlag:
-    HVException& clearFlag(const QString& key);                                ///< the key stays. \selector clearFlag:
+    HVException& setClassOf(const QVariant& object);                          ///< \selector setClassOf:
+    HVException& setMessage(const QString& selector);                         ///< \selector setMessage:
+    HVException& setMessage(const QString& selector, const QVariant& object); ///< \selector setMessage:toObject:
+    HVException& setVersion(quint32 buildVersion);                            ///< \selector setVersion:
+    HVException& setPreferredLogClass(LogClassification classification);      ///< \selector setPreferredLogClass:
+    HVException& setSoft(bool soft);                                          ///< \selector setSoft:
+    HVException& setFlag(const QString& key);                                 ///< \selector setFlag:
+    HVException& clearFlag(const QString& key);                               ///< the key stays. \selector clearFlag:
 
     /// The object's path (anything with a path() text). \selector setPathObject:
     template<class Located>
@@ -168,7 +170,7 @@ public:
 
     /// \selector preferredLogClass
     [[nodiscard]] LogClassification preferredLogClass() const;
-    [[nodiscard]] bool isSoft() const;                    ///< \selector isSoft
+    [[nodiscard]] bool isSoft() const;                      ///< \selector isSoft
     [[nodiscard]] bool isHard() const { return !isSoft(); } ///< \selector isHard
     /// Absent: false; a number: whether it is not zero; anything else: true. \selector hasFlag:
     [[nodiscard]] bool hasFlag(const QString& key) const;

@@ -27,11 +27,17 @@ class HVException;
 class Exception : public std::exception
 {
 public:
+    /// Without name and reason; containers of values need it.
+    Exception();
     Exception(const QString& name, const QString& reason, const QVariantMap& userInfo = {});
     Exception(const Exception&) = default;
     Exception& operator=(const Exception&) = default;
-    Exception(Exception&&) = default;
-    Exception& operator=(Exception&&) = default;
+    // A move is a copy: both share the body, so what was moved from is still whole.
+    Exception(Exception&& other) noexcept
+        : Exception(other)
+    {
+    }
+    Exception& operator=(Exception&& other) noexcept { return *this = other; }
     ~Exception() override;
 
     /// What a foreign exception becomes at the wall that catches it: an `Exception` as it is; a std::system_error with

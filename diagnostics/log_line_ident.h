@@ -38,13 +38,19 @@ public:
     /// \selector logLineIdentifierFromString:
     [[nodiscard]] static LogLineIdentPtr logLineIdentifierFromString(const QString& text);
 
-    [[nodiscard]] std::uint64_t depth() const;             ///< number of ancestors. \selector depth
+    [[nodiscard]] std::uint64_t depth() const; ///< number of ancestors. \selector depth
     [[nodiscard]] const LogLineIdentPtr& parent() const noexcept { return m_parent; } ///< \selector parent
-    [[nodiscard]] std::uint64_t application() const;       ///< the top's sequence. \selector application
-    [[nodiscard]] std::uint64_t sequence() const noexcept { return m_sequence; }      ///< \selector sequence
-    [[nodiscard]] std::uint64_t count() const noexcept { return m_subsequence.load(std::memory_order_relaxed); } ///< children issued so far. \selector count
+    [[nodiscard]] std::uint64_t application() const; ///< the top's sequence. \selector application
+    [[nodiscard]] std::uint64_t sequence() const noexcept { return m_sequence; } ///< \selector sequence
+    [[nodiscard]] std::uint64_t count() const noexcept
+    {
+        return m_subsequence.load(std::memory_order_relaxed);
+    } ///< children issued so far. \selector count
     /// Bit c is set when a line of classification c was logged directly under this one.
-    [[nodiscard]] std::uint32_t classifications() const noexcept { return m_classifications.load(std::memory_order_relaxed); }
+    [[nodiscard]] std::uint32_t classifications() const noexcept
+    {
+        return m_classifications.load(std::memory_order_relaxed);
+    }
     /// Sets the bit of a classification that is not negative.
     void noteClassification(LogClassification classification) noexcept;
 
@@ -54,13 +60,13 @@ public:
     [[nodiscard]] virtual LogLineIdentPtr pinned();
     /// The ancestor at \p depth, the receiver if it is not deeper. \selector parentIdentifierWithDepth:
     [[nodiscard]] LogLineIdentPtr parentIdentifierWithDepth(std::uint64_t depth);
-    void appendIdentifierToString(QString& text) const;    ///< \selector appendIdentifierToString:
+    void appendIdentifierToString(QString& text) const;                     ///< \selector appendIdentifierToString:
     [[nodiscard]] bool containsIdentifier(const LogLineIdent& other) const; ///< \selector containsIdentifier:
     [[nodiscard]] bool isEqual(const LogLineIdent& other) const;            ///< \selector isEqual:
     /// Parents first; a missing parent orders before a present one. \selector compare:
     [[nodiscard]] std::strong_ordering compare(const LogLineIdent& other) const;
-    [[nodiscard]] std::uint64_t hash() const;              ///< \selector hash
-    [[nodiscard]] QString description() const;             ///< \selector description
+    [[nodiscard]] std::uint64_t hash() const;  ///< \selector hash
+    [[nodiscard]] QString description() const; ///< \selector description
 
     /// Keyed: "parent", "classmap", "seq", "subseq"; unkeyed: the parent, then classifications, sequence and
     /// subsequence as 32-bit numbers. \selector encodeWithCoder:

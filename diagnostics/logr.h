@@ -29,9 +29,11 @@ public:
     /// \selector log:inLine:message:
     static LogLineIdentPtr log(LogClassification classification, const LogLineIdentPtr& inLine, const QString& message);
     /// \selector log:inLine:key:value:
-    static LogLineIdentPtr logKey(LogClassification classification, const LogLineIdentPtr& inLine, const QString& key, const QVariant& value);
+    static LogLineIdentPtr
+    logKey(LogClassification classification, const LogLineIdentPtr& inLine, const QString& key, const QVariant& value);
     /// \selector log:inLine:exception:
-    static LogLineIdentPtr logException(LogClassification classification, const LogLineIdentPtr& inLine, const Exception& exception);
+    static LogLineIdentPtr
+    logException(LogClassification classification, const LogLineIdentPtr& inLine, const Exception& exception);
     /// \selector log:exception:
     static LogLineIdentPtr logException(LogClassification classification, const Exception& exception);
     /// \selector logException:
@@ -39,7 +41,8 @@ public:
     /// \selector log:newException:
     static LogLineIdentPtr logNewException(LogClassification classification, const Exception& exception);
     /// \selector log:inLine:error:
-    static LogLineIdentPtr logError(LogClassification classification, const LogLineIdentPtr& inLine, const Error& error);
+    static LogLineIdentPtr
+    logError(LogClassification classification, const LogLineIdentPtr& inLine, const Error& error);
     /// \selector log:placeholder:forKey:
     static LogLineIdentPtr logPlaceholder(LogClassification classification, const QString& text, const QString& key);
     /// \selector debugMessage:

@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/description.h"
 
+#include "diagnostics/exception_base.h"
+#include "foundation/error.h"
+
 #include <QDateTime>
 #include <QStringList>
-#include <QTimeZone>
+
+#include <algorithm>
+#include <array>
 
 namespace havrel {
 namespace {
@@ -32,6 +37,33 @@ QString describedMap(const QVariantMap& map)
     for (auto it = map.begin(); it != map.end(); ++it)
         parts << it.key() + QStringLiteral(" = ") + descriptionOf(it.value());
     return u'{' + parts.join(QStringLiteral("; ")) + u'}';
+}
+
+struct ValueClass
+{
+    int typeId;
+    QLatin1StringView name;
+};
+
+const std::array<ValueClass, 9> kValueClasses{{
+    {QMetaType::QString, QLatin1StringView("NSString")},
+    {QMetaType::QByteArray, QLatin1StringView("NSData")},
+    {QMetaType::QDateTime, QLatin1StringView("NSDate")},
+    {QMetaType::QVariantList, QLatin1StringView("NSArray")},
+    {QMetaType::QStringList, QLatin1StringView("NSArray")},
+    {QMetaType::QVariantMap, QLatin1StringView("NSDictionary")},
+    {QMetaType::QVariantHash, QLatin1StringView("NSDictionary")},
+    {QMetaType::Nullptr, QLatin1StringView("NSNull")},
+    {qMetaTypeId<Error>(), QLatin1StringView("NSError")},
+}};
+
+/// "JNPath" for "std::shared_ptr<havrel::JNPath>" and "havrel::JNPath*".
+QString bareClassName(const char* typeName)
+{
+    QString name = QString::fromUtf8(typeName);
+    if (const qsizetype inner = name.lastIndexOf(u'<'); inner >= 0)
+        name = name.sliced(inner + 1).remove(u'>');
+    return name.sliced(name.lastIndexOf(u':') + 1).remove(u'*').trimmed();
 }
 
 QString describedObject(const QVariant& value)
@@ -68,6 +100,23 @@ QString descriptionOf(const QVariant& value)
     default:
         return describedObject(value);
     }
+}
+
+QString classNameOf(const QVariant& value)
+{
+    if (!value.isValid())
+        return {};
+    if (value.metaType() == QMetaType::fromType<Exception>())
+        return value.value<Exception>().className();
+    if (isNumber(value))
+        return QStringLiteral("NSNumber");
+    if (const auto* object =
+            value.metaType().flags().testFlag(QMetaType::PointerToQObject) ? value.value<QObject*>() : nullptr)
+        return bareClassName(object->metaObject()->className());
+    const auto row = std::find_if(kValueClasses.begin(), kValueClasses.end(), [&value](const ValueClass& each) {
+        return each.typeId == value.typeId();
+    });
+    return row != kValueClasses.end() ? QString(row->name) : bareClassName(value.metaType().name());
 }
 
 bool isNullObject(const QVariant& value)

@@ -26,6 +26,13 @@ namespace havrel {
 /// Threads: any thread.
 [[nodiscard]] QString descriptionOf(const QVariant& value);
 
+/// The name of the class that \p value belongs to: "NSString", "NSNumber", "NSArray", "NSDictionary", "NSData",
+/// "NSDate", "NSNull" for the values, else the name of the C++ class without its namespace; null for nil. An exception
+/// is named by what was raised.
+///
+/// Threads: any thread.
+[[nodiscard]] QString classNameOf(const QVariant& value);
+
 /// Whether \p value is the null object (which collections hold in place of nil).
 [[nodiscard]] bool isNullObject(const QVariant& value);
 

@@ -9,7 +9,8 @@
 namespace havrel {
 namespace {
 
-const bool kTextRegistered = QMetaType::registerConverter<Error, QString>([](const Error& error) { return error.description(); });
+const bool kTextRegistered =
+    QMetaType::registerConverter<Error, QString>([](const Error& error) { return error.description(); });
 
 } // namespace
 
@@ -43,7 +44,8 @@ QString Error::localizedFailureReason() const
 
 QString Error::description() const
 {
-    const QString text = QStringLiteral("Error Domain=%1 Code=%2 \"%3\"").arg(m_domain, QString::number(m_code), localizedDescription());
+    const QString text =
+        QStringLiteral("Error Domain=%1 Code=%2 \"%3\"").arg(m_domain, QString::number(m_code), localizedDescription());
     return m_userInfo.isEmpty() ? text : text + QStringLiteral(" UserInfo=") + descriptionOf(m_userInfo);
 }
 

@@ -12,7 +12,7 @@ namespace error_domain {
 inline constexpr QLatin1StringView kPOSIX{"NSPOSIXErrorDomain"};       ///< codes are errno values
 inline constexpr QLatin1StringView kOSStatus{"NSOSStatusErrorDomain"}; ///< codes are signed 32-bit status values
 inline constexpr QLatin1StringView kURL{"NSURLErrorDomain"};
-inline constexpr QLatin1StringView kCocoa{"NSCocoaErrorDomain"};       ///< property lists and archives
+inline constexpr QLatin1StringView kCocoa{"NSCocoaErrorDomain"}; ///< property lists and archives
 } // namespace error_domain
 
 /// Keys of an error's user-info.

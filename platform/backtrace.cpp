@@ -28,7 +28,8 @@ ReturnAddresses currentReturnAddresses()
 std::optional<SymbolLocation> symbolAt(std::uintptr_t address)
 {
     Dl_info info{};
-    if (::dladdr(reinterpret_cast<void*>(address), &info) == 0) // NOLINT(performance-no-int-to-ptr): an address, not an object
+    if (::dladdr(reinterpret_cast<void*>(address), &info) ==
+        0) // NOLINT(performance-no-int-to-ptr): an address, not an object
         return std::nullopt;
     return SymbolLocation{.symbolAddress = reinterpret_cast<std::uintptr_t>(info.dli_saddr),
                           .symbolName = info.dli_sname ? textOfFileName(info.dli_sname) : QString(),

@@ -41,8 +41,9 @@ constexpr auto kLeadBytes = std::to_array<LeadByte>({
 qsizetype sequenceLength(QByteArrayView bytes, qsizetype start)
 {
     const std::uint8_t lead = byteAt(bytes, start);
-    const auto row = std::find_if(kLeadBytes.begin(), kLeadBytes.end(),
-                                  [lead](const LeadByte& each) { return lead >= each.first && lead <= each.last; });
+    const auto row = std::find_if(kLeadBytes.begin(), kLeadBytes.end(), [lead](const LeadByte& each) {
+        return lead >= each.first && lead <= each.last;
+    });
     if (row == kLeadBytes.end() || start + row->length > bytes.size())
         return 0;
     if (row->length > 1) {
