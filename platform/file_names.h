@@ -16,7 +16,7 @@ namespace havrel::platform {
 
 /// The bytes of a file name, as the kernel takes them: the inverse of textOfFileName.
 ///
-/// A lone surrogate outside U+DC80..U+DCFF stands for no byte and becomes U+FFFD in UTF-8.
+/// A lone surrogate outside U+DC80..U+DCFF stands for no byte and becomes "?".
 ///
 /// Threads: any thread.
 [[nodiscard]] QByteArray bytesOfFileName(QStringView text);
