@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/coder.h"
+#include "fs/path.h"
+#include "fs/sub_path.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <optional>
+
+namespace havrel {
+namespace {
+
+/// Byte blocks on their way, by key; the unkeyed one has none.
+using Blocks = std::map<std::optional<QString>, QByteArray>;
+
+class BlockEncoder final : public Encoder
+{
+public:
+    explicit BlockEncoder(bool keyed)
+        : m_keyed(keyed)
+    {
+    }
+    Blocks blocks;
+
+    [[nodiscard]] bool allowsKeyedCoding() const override { return m_keyed; }
+    void encodeObject(const QVariant&, const QString&) override { FAIL(); }
+    void encodeBool(bool, const QString&) override { FAIL(); }
+    void encodeInteger(qint64, const QString&) override { FAIL(); }
+    void encodeBytes(const QByteArray& bytes, const QString& key) override { blocks[key] = bytes; }
+    void encodeObject(const QVariant&) override { FAIL(); }
+    void encodeUnsigned32(quint32) override { FAIL(); }
+    void encodeBytes(const QByteArray& bytes) override { blocks[std::nullopt] = bytes; }
+
+private:
+    bool m_keyed;
+};
+
+class BlockDecoder final : public Decoder
+{
+public:
+    BlockDecoder(Blocks blocks, bool keyed)
+        : m_blocks(std::move(blocks))
+        , m_keyed(keyed)
+    {
+    }
+
+    [[nodiscard]] bool allowsKeyedCoding() const override { return m_keyed; }
+    [[nodiscard]] bool containsValueForKey(const QString& key) const override { return m_blocks.contains(key); }
+    [[nodiscard]] QVariant decodeObject(const QStringList&, const QString&) override { return {}; }
+    [[nodiscard]] bool decodeBool(const QString&) override { return false; }
+    [[nodiscard]] qint64 decodeInteger(const QString&) override { return 0; }
+    [[nodiscard]] QByteArray decodeBytes(const QString& key) override { return m_blocks[key]; }
+    [[nodiscard]] QVariant decodeObject() override { return {}; }
+    [[nodiscard]] quint32 decodeUnsigned32() override { return 0; }
+    [[nodiscard]] QByteArray decodeBytes() override { return m_blocks[std::nullopt]; }
+
+private:
+    Blocks m_blocks;
+    bool m_keyed;
+};
+
+const QString kKey = QStringLiteral("path");
+
+TEST(PathCoding, KeepsTheBytesAndTheirNulUnderAKey)
+{
+    BlockEncoder encoder(true);
+    JNPath::withCPath("/a/\xFF")->encodeWithCoder(encoder);
+    EXPECT_EQ(encoder.blocks, (Blocks{{kKey, QByteArray("/a/\xFF\0", 5)}}));
+}
+
+TEST(PathCoding, KeepsTheBytesAndTheirNulWithoutAKeyToo)
+{
+    BlockEncoder encoder(false);
+    JNPath::withCPath("/a")->encodeWithCoder(encoder);
+    EXPECT_EQ(encoder.blocks, (Blocks{{std::nullopt, QByteArray("/a\0", 3)}}));
+}
+
+TEST(PathCoding, BringsEveryPathBack)
+{
+    for (const bool keyed : {true, false}) {
+        for (const QByteArray& bytes :
+             {QByteArray("/a//b/"), QByteArray(""), QByteArray("\xFF\n"), QByteArray("a\0b", 3)}) {
+            BlockEncoder encoder(keyed);
+            JNPath::withCPath(bytes)->encodeWithCoder(encoder);
+            BlockDecoder decoder(encoder.blocks, keyed);
+            EXPECT_EQ(JNPath::withCoder(decoder)->cPath(), bytes);
+        }
+    }
+}
+
+TEST(PathCoding, MakesNoPathOfNoBytes)
+{
+    BlockDecoder decoder({}, true);
+    EXPECT_EQ(JNPath::withCoder(decoder), nullptr);
+    EXPECT_EQ(JNSubPath::withCoder(decoder), nullptr);
+}
+
+TEST(PathCoding, TakesBytesThatLostTheirNul)
+{
+    BlockDecoder decoder({{kKey, QByteArray("/a")}}, true);
+    EXPECT_EQ(JNPath::withCoder(decoder)->cPath(), QByteArray("/a"));
+}
+
+TEST(PathCoding, BringsSubPathsBackWithAParent)
+{
+    BlockEncoder encoder(true);
+    JNSubPath::withCName("b", JNPath::withCPath("/a"))->encodeWithCoder(encoder);
+    BlockDecoder decoder(encoder.blocks, true);
+    const auto path = JNSubPath::withCoder(decoder);
+    EXPECT_EQ(path->className(), QStringLiteral("JNSubPath"));
+    EXPECT_EQ(path->cPath(), QByteArray("/a/b"));
+    EXPECT_EQ(path->cName(), QByteArray("b"));
+    ASSERT_NE(path->parent(), nullptr);
+    EXPECT_EQ(path->parent()->cPath(), QByteArray("/a"));
+}
+
+} // namespace
+} // namespace havrel
