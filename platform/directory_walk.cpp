@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "platform/directory_walk.h"
 
+#include "platform/folder_reader.h"
 #include "platform/owned_descriptor.h"
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <vector>
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -45,93 +43,6 @@ bool sameFolder(int descriptor, const Level& level)
     struct stat facts;
     return ::fstat(descriptor, &facts) == 0 && facts.st_dev == level.device && facts.st_ino == level.inode;
 }
-
-/// Reads folders into buffers that serve one folder after the other.
-class FolderReader
-{
-public:
-    /// \return 0 or an errno value.
-    int read(int descriptor)
-    {
-        m_found.clear();
-        m_names.clear();
-        for (;;) {
-            const ssize_t length = ::getdents64(descriptor, m_buffer.data(), m_buffer.size());
-            if (length <= 0)
-                return length == 0 ? 0 : errno;
-            keep(descriptor, m_buffer.data(), m_buffer.data() + length);
-        }
-    }
-
-    /// Everything but folders, in the order of the inodes. Valid until the next read.
-    std::span<const WalkedItem> items()
-    {
-        m_items.clear();
-        for (const Found& each : m_found)
-            if (each.kind != WalkedKind::Folder)
-                m_items.push_back({nameOf(each), each.inode, each.kind});
-        std::sort(m_items.begin(), m_items.end(), [](const WalkedItem& left, const WalkedItem& right) {
-            return left.inode < right.inode;
-        });
-        return m_items;
-    }
-
-    /// The names of the folders, the greatest first.
-    [[nodiscard]] std::vector<QByteArray> subfolders() const
-    {
-        std::vector<QByteArray> names;
-        for (const Found& each : m_found)
-            if (each.kind == WalkedKind::Folder)
-                names.push_back(nameOf(each).toByteArray());
-        std::sort(names.begin(), names.end(), std::greater<>());
-        return names;
-    }
-
-private:
-    struct Found
-    {
-        qsizetype start, length; // of the name in m_names
-        std::uint64_t inode;
-        WalkedKind kind;
-    };
-
-    [[nodiscard]] QByteArrayView nameOf(const Found& found) const
-    {
-        return QByteArrayView(m_names).sliced(found.start, found.length);
-    }
-
-    void keep(int descriptor, const char* next, const char* end)
-    {
-        while (next < end) {
-            const auto* entry = static_cast<const dirent64*>(static_cast<const void*>(next));
-            next += entry->d_reclen;
-            const QByteArrayView name(entry->d_name);
-            if (name == "." || name == "..")
-                continue;
-            m_found.push_back({m_names.size(), name.size(), entry->d_ino, kindOf(descriptor, *entry)});
-            m_names += name;
-        }
-    }
-
-    static WalkedKind kindOf(int descriptor, const dirent64& entry)
-    {
-        if (entry.d_type != DT_UNKNOWN)
-            return entry.d_type == DT_DIR   ? WalkedKind::Folder
-                   : entry.d_type == DT_REG ? WalkedKind::File
-                                            : WalkedKind::Other;
-        struct stat facts;
-        if (::fstatat(descriptor, entry.d_name, &facts, AT_SYMLINK_NOFOLLOW) != 0)
-            return WalkedKind::Other;
-        return S_ISDIR(facts.st_mode)   ? WalkedKind::Folder
-               : S_ISREG(facts.st_mode) ? WalkedKind::File
-                                        : WalkedKind::Other;
-    }
-
-    alignas(dirent64) std::array<char, 65536> m_buffer;
-    QByteArray m_names;
-    std::vector<Found> m_found;
-    std::vector<WalkedItem> m_items;
-};
 
 /// Where the process's descriptors have paths. Empty where that file system is not mounted.
 const QByteArray& descriptorFolder()

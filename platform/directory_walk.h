@@ -1,23 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/folder_reader.h"
+
 #include <QByteArray>
 
-#include <cstdint>
 #include <memory>
 #include <span>
 
 namespace havrel::platform {
-
-enum class WalkedKind : std::uint8_t { File, Folder, Other };
-
-/// An entry of a folder that is being walked.
-struct WalkedItem
-{
-    QByteArrayView name; ///< valid during the visit only
-    std::uint64_t inode = 0;
-    WalkedKind kind = WalkedKind::Other;
-};
 
 /// A folder while a walk visits it.
 ///

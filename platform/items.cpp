@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/items.h"
 
-#include "platform/owned_descriptor.h"
 #include "platform/item_calls.h"
+#include "platform/owned_descriptor.h"
 
 #include <array>
 #include <cerrno>
