@@ -37,6 +37,8 @@ void runThrowingOn(const std::function<void()>& block)
     }
 }
 
+} // namespace
+
 void runAtWall(const std::function<void()>& block)
 {
     try {
@@ -45,8 +47,6 @@ void runAtWall(const std::function<void()>& block)
         logEscapingException();
     }
 }
-
-} // namespace
 
 void onMainQueue(std::function<void()> block)
 {

@@ -21,6 +21,11 @@ void onMainQueue(std::function<void()> block);
 /// Threads: any thread.
 void onGlobalQueue(std::function<void()> block);
 
+/// Runs \p block now. An exception that leaves it is logged at Debug and ends here: for code that may not throw.
+///
+/// Threads: any thread.
+void runAtWall(const std::function<void()>& block);
+
 /// A queue whose blocks run one at a time, in the order they came, on a thread of the queue's own that starts with the
 /// first block.
 ///
