@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <mutex>
+#include <vector>
+
+class QObject;
+
+namespace havrel {
+
+/// What is to be done when an object dies. Attached to the object, and gone with it.
+///
+/// Threads: any thread.
+class MTKDeallocator
+{
+public:
+    /// Told the object. Its own class is gone by then: only good for comparing. Must not throw: what leaves a callback
+    /// is logged at Debug and ends there.
+    using Callback = std::function<void(QObject* owner)>;
+
+    /// \param owner only handed on. \selector initWithOwner:
+    explicit MTKDeallocator(QObject* owner);
+    /// Invokes the callbacks that were not invoked yet.
+    ~MTKDeallocator();
+    MTKDeallocator(const MTKDeallocator&) = delete;
+    MTKDeallocator& operator=(const MTKDeallocator&) = delete;
+    MTKDeallocator(MTKDeallocator&&) = delete;
+    MTKDeallocator& operator=(MTKDeallocator&&) = delete;
+
+    /// An empty one is ignored. \selector addCallback:
+    void addCallback(Callback callback);
+    /// Empties the list, then runs each callback of it in the order they were added: none ever runs twice.
+    ///
+    /// \selector invokeCallbacks
+    void invokeCallbacks();
+
+private:
+    QObject* m_owner;
+    std::mutex m_lock;
+    std::vector<Callback> m_callbacks; // guarded by m_lock
+};
+
+/// Has \p callback run when \p object dies: at the end of its destruction, when only its base is left. An empty one is
+/// ignored.
+///
+/// Threads: any thread; synchronised on the object, which must not be dying meanwhile.
+/// \selector mtk_addDeallocationCallback:
+void mtk_addDeallocationCallback(QObject& object, // NOLINT(readability-identifier-naming): the operation's own name
+                                 MTKDeallocator::Callback callback);
+
+/// Makes sure that the death of \p object is noticed. An `Observable` tells by itself; from any other object its signal
+/// destroyed() is asked for, once. The other operations of observation do this for themselves.
+///
+/// Threads: any thread.
+/// \selector swizzleDeallocIfNeeded
+void swizzleDeallocIfNeeded(QObject& object);
+
+} // namespace havrel
