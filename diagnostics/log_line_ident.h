@@ -20,7 +20,7 @@ using LogLineIdentPtr = std::shared_ptr<LogLineIdent>;
 
 /// The identity of a log line: a chain of sequence numbers, written "6.73946250.4312.17.2" (application, day stamp,
 /// process id, line, line below it). Every logging call answers the identity of the line it wrote, and further lines
-/// are nested under it.
+/// are nested under it. Always held by a shared pointer.
 ///
 /// Threads: any thread.
 class LogLineIdent : public std::enable_shared_from_this<LogLineIdent>
@@ -34,18 +34,17 @@ public:
     LogLineIdent(LogLineIdent&&) = delete;
     LogLineIdent& operator=(LogLineIdent&&) = delete;
 
-    /// The chain that \p text stands for; null for the empty text. Takes any character as a digit.
+    /// The chain that \p text stands for; null for the empty text. Takes any character as a digit: its code minus that
+    /// of "0", wrapping at 64 bits. An empty component is 0; a trailing "." adds none.
     /// \selector logLineIdentifierFromString:
     [[nodiscard]] static LogLineIdentPtr logLineIdentifierFromString(const QString& text);
 
-    [[nodiscard]] std::uint64_t depth() const; ///< number of ancestors. \selector depth
+    [[nodiscard]] std::uint64_t depth() const noexcept { return m_depth; } ///< number of ancestors. \selector depth
     [[nodiscard]] const LogLineIdentPtr& parent() const noexcept { return m_parent; } ///< \selector parent
     [[nodiscard]] std::uint64_t application() const; ///< the top's sequence. \selector application
     [[nodiscard]] std::uint64_t sequence() const noexcept { return m_sequence; } ///< \selector sequence
-    [[nodiscard]] std::uint64_t count() const noexcept
-    {
-        return m_subsequence.load(std::memory_order_relaxed);
-    } ///< children issued so far. \selector count
+    /// Children issued so far. \selector count
+    [[nodiscard]] std::uint64_t count() const noexcept { return m_subsequence.load(std::memory_order_relaxed); }
     /// Bit c is set when a line of classification c was logged directly under this one.
     [[nodiscard]] std::uint32_t classifications() const noexcept
     {
@@ -60,10 +59,13 @@ public:
     [[nodiscard]] virtual LogLineIdentPtr pinned();
     /// The ancestor at \p depth, the receiver if it is not deeper. \selector parentIdentifierWithDepth:
     [[nodiscard]] LogLineIdentPtr parentIdentifierWithDepth(std::uint64_t depth);
-    void appendIdentifierToString(QString& text) const;                     ///< \selector appendIdentifierToString:
-    [[nodiscard]] bool containsIdentifier(const LogLineIdent& other) const; ///< \selector containsIdentifier:
-    [[nodiscard]] bool isEqual(const LogLineIdent& other) const;            ///< \selector isEqual:
-    /// Parents first; a missing parent orders before a present one. \selector compare:
+    void appendIdentifierToString(QString& text) const; ///< \selector appendIdentifierToString:
+    /// Whether \p other is the receiver or one of its descendants. \selector containsIdentifier:
+    [[nodiscard]] bool containsIdentifier(const LogLineIdent& other) const;
+    /// Whether both chains have the same sequence numbers; pins count like any other. \selector isEqual:
+    [[nodiscard]] bool isEqual(const LogLineIdent& other) const;
+    /// Parents first; a missing parent orders before a present one, so that every shallower identity orders before
+    /// every deeper one. \selector compare:
     [[nodiscard]] std::strong_ordering compare(const LogLineIdent& other) const;
     [[nodiscard]] std::uint64_t hash() const;  ///< \selector hash
     [[nodiscard]] QString description() const; ///< \selector description
@@ -75,10 +77,11 @@ public:
     [[nodiscard]] static LogLineIdentPtr withCoder(Decoder& decoder);
 
 private:
-    const LogLineIdentPtr m_parent;
-    std::atomic<std::uint32_t> m_classifications = 0;
+    LogLineIdentPtr m_parent; // never changes but when the receiver dies
     const std::uint64_t m_sequence;
+    const std::uint64_t m_depth;
     std::atomic<std::uint64_t> m_subsequence = 0;
+    std::atomic<std::uint32_t> m_classifications = 0;
 };
 
 } // namespace havrel

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#include "platform/journal.h"
+
+#include "platform/file_names.h"
+
+#include <array>
+#include <cerrno>
+
+#include <sys/uio.h>
+#include <systemd/sd-journal.h>
+#include <unistd.h>
+
+namespace havrel::platform {
+namespace {
+
+constexpr const char* kJournalSocket = "/run/systemd/journal/socket"; // sd_journal_sendv keeps silent without it
+
+iovec pieceOf(QByteArray& bytes)
+{
+    return {.iov_base = bytes.data(), .iov_len = static_cast<std::size_t>(bytes.size())};
+}
+
+QByteArray programName()
+{
+    return QByteArray("SYSLOG_IDENTIFIER=") + ::program_invocation_short_name;
+}
+
+} // namespace
+
+bool journalExists()
+{
+    return ::access(kJournalSocket, W_OK) == 0;
+}
+
+int sendToJournal(JournalPriority priority, const QString& message)
+{
+    if (!journalExists())
+        return ENOENT;
+    QByteArray text = "MESSAGE=" + bytesOfFileName(message);
+    QByteArray urgency = "PRIORITY=" + QByteArray::number(static_cast<int>(priority));
+    QByteArray program = programName();
+    const std::array fields{pieceOf(text), pieceOf(urgency), pieceOf(program)};
+    return -::sd_journal_sendv(fields.data(), static_cast<int>(fields.size()));
+}
+
+void writeToStandardError(const QString& message)
+{
+    const QByteArray line = bytesOfFileName(message) + '\n';
+    QByteArrayView rest = line;
+    while (!rest.isEmpty()) {
+        const ssize_t written = ::write(STDERR_FILENO, rest.data(), static_cast<std::size_t>(rest.size()));
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return;
+        rest = rest.sliced(written);
+    }
+}
+
+void writeToConsole(JournalPriority priority, const QString& message)
+{
+    if (sendToJournal(priority, message) != 0)
+        writeToStandardError(message);
+}
+
+} // namespace havrel::platform
