@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "diagnostics/log_format.h"
+
+#include "foundation/description.h"
+#include "platform/file_names.h"
+
+#include <QByteArray>
+
+#include <fmt/format.h>
+
+namespace havrel {
+namespace {
+
+// Formats are made of bytes. On the way through them a lone surrogate takes the three bytes that UTF-8 would give it if
+// it were a character. Reading, those bytes come back as three file-name surrogates, and are put together again.
+
+constexpr char16_t kByteSurrogates = 0xDC00; // plus the byte
+
+bool isLoneSurrogate(QStringView text, qsizetype i)
+{
+    if (text[i].isHighSurrogate())
+        return i + 1 == text.size() || !text[i + 1].isLowSurrogate();
+    return text[i].isLowSurrogate() && (i == 0 || !text[i - 1].isHighSurrogate());
+}
+
+void appendSurrogate(QByteArray& bytes, char16_t unit)
+{
+    bytes += '\xED';
+    bytes += static_cast<char>(0x80 | ((unit >> 6) & 0x3F));
+    bytes += static_cast<char>(0x80 | (unit & 0x3F));
+}
+
+QByteArray bytesOfText(const QString& text)
+{
+    if (text.isValidUtf16())
+        return text.toUtf8();
+    QByteArray bytes;
+    qsizetype start = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (!isLoneSurrogate(text, i))
+            continue;
+        bytes += QStringView(text).sliced(start, i - start).toUtf8();
+        appendSurrogate(bytes, text[i].unicode());
+        start = i + 1;
+    }
+    return bytes += QStringView(text).sliced(start).toUtf8();
+}
+
+/// The surrogate whose three bytes stand at \p i as file-name surrogates; 0 when none does.
+char16_t surrogateAt(QStringView text, qsizetype i)
+{
+    const auto byteAt = [text](qsizetype at) -> unsigned {
+        const unsigned byte = at < text.size() ? text[at].unicode() - unsigned{kByteSurrogates} : 0;
+        return byte > 0xFF ? 0 : byte;
+    };
+    const unsigned second = byteAt(i + 1);
+    const unsigned third = byteAt(i + 2);
+    if (byteAt(i) != 0xED || second < 0xA0 || second > 0xBF || third < 0x80 || third > 0xBF)
+        return 0;
+    return static_cast<char16_t>(0xD000 | ((second & 0x3F) << 6) | (third & 0x3F));
+}
+
+QString textOfBytes(QByteArrayView bytes)
+{
+    const QString text = platform::textOfFileName(bytes);
+    if (text.isValidUtf16())
+        return text;
+    QString joined;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t surrogate = surrogateAt(text, i);
+        joined += surrogate ? QChar(surrogate) : text[i];
+        i += surrogate ? 2 : 0;
+    }
+    return joined;
+}
+
+fmt::string_view viewOf(const QByteArray& bytes)
+{
+    return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
+}
+
+} // namespace
+
+QString formattedText(fmt::string_view format, fmt::format_args arguments)
+{
+    try {
+        fmt::memory_buffer buffer;
+        fmt::vformat_to(fmt::appender(buffer), format, arguments);
+        return textOfBytes(QByteArrayView(buffer.data(), static_cast<qsizetype>(buffer.size())));
+    } catch (const fmt::format_error&) {
+        return textOfBytes(QByteArrayView(format.data(), static_cast<qsizetype>(format.size())));
+    }
+}
+
+} // namespace havrel
+
+auto fmt::formatter<QString>::format(const QString& text, fmt::format_context& context) const
+    -> fmt::format_context::iterator
+{
+    return formatter<fmt::string_view>::format(havrel::viewOf(havrel::bytesOfText(text)), context);
+}
+
+auto fmt::formatter<QVariant>::format(const QVariant& value, fmt::format_context& context) const
+    -> fmt::format_context::iterator
+{
+    const QByteArray bytes = havrel::bytesOfText(havrel::descriptionOf(value));
+    return formatter<fmt::string_view>::format(havrel::viewOf(bytes), context);
+}

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "diagnostics/backtrace_registry.h"
+#include "diagnostics/logr.h"
+#include "diagnostics/rate_limiter.h"
+#include "foundation/dispatch.h"
+
+#include <mutex>
+
+namespace havrel {
+
+/// What a logger consists of. Only for the sources of the logging facade.
+struct Logr::State
+{
+    explicit State(Surroundings given);
+
+    [[nodiscard]] LogDate now() const;
+    [[nodiscard]] std::optional<platform::SymbolLocation> symbolAt(std::uintptr_t address) const;
+
+    const Surroundings surroundings;
+    mutable std::mutex lastExceptionLock;
+    std::optional<Exception> lastException; // guarded by lastExceptionLock
+    BacktraceRegistry backtraces;
+
+    // On the writer queue only.
+    LogDateFormatter dateFormatter;
+    RateLimiter limiter;
+
+    std::unique_ptr<SerialQueue> loggerQueue;
+};
+
+/// What travels to the writer queue.
+struct Logr::QueuedLine
+{
+    QString message;
+    LogLineIdentPtr identity;
+    LogDate date;
+    LogClassification classification;
+};
+
+/// How an exception and its causes are written.
+struct Logr::ExceptionStyle
+{
+    LogClassification classification;
+    const UserInfoLogClassifications& map;
+    int depth; ///< number of exceptions that this one caused
+};
+
+} // namespace havrel

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+#include "diagnostics/shared_logger.h"
+
+#include "diagnostics/logger_registry.h"
+#include "diagnostics/logr.h"
+#include "diagnostics/nslog_logr.h"
+#include "foundation/dispatch.h"
+#include "platform/process_identity.h"
+
+#include <QScopedValueRollback>
+#include <QStringList>
+
+#include <utility>
+
+namespace havrel {
+namespace {
+
+QStringList fallbackNames(EffectiveUser user)
+{
+    const QString console = QStringLiteral("NSLogLogr");
+    const QString nowhere = QStringLiteral("NullLogr");
+    return user == EffectiveUser::Root ? QStringList{nowhere, console} : QStringList{console, nowhere};
+}
+
+std::shared_ptr<Logr> makeIfPossible(const LoggerRegistry& registry, const QString& className)
+{
+    try {
+        return registry.make(className);
+    } catch (...) {
+        return nullptr; // there is no logger yet that could tell
+    }
+}
+
+} // namespace
+
+SharedLogger::SharedLogger(const LoggerRegistry& registry, EffectiveUser user)
+    : m_registry(registry)
+    , m_user(user)
+{
+}
+
+SharedLogger& SharedLogger::ofProcess()
+{
+    // Never destroyed: lines may be logged until the very end of the process.
+    static SharedLogger& s_shared =
+        *std::make_unique<SharedLogger>(
+             LoggerRegistry::shared(), platform::effectiveUserID() == 0 ? EffectiveUser::Root : EffectiveUser::Ordinary)
+             .release();
+    return s_shared;
+}
+
+std::shared_ptr<Logr> SharedLogger::installed() const
+{
+    const std::lock_guard guard(m_lock);
+    return m_logger;
+}
+
+std::shared_ptr<Logr> SharedLogger::get()
+{
+    if (auto logger = installed())
+        return logger;
+    const std::lock_guard guard(m_choice);
+    if (auto logger = installed())
+        return logger;
+    if (m_choosing)
+        return nullptr;
+    choose();
+    return installed();
+}
+
+void SharedLogger::choose()
+{
+    const QScopedValueRollback choosing(m_choosing, true);
+    const std::shared_ptr<Logr> fallback = makeFallback();
+    set(fallback);
+    replaceByFileLogger(*fallback);
+}
+
+std::shared_ptr<Logr> SharedLogger::makeFallback() const
+{
+    const QStringList names = fallbackNames(m_user);
+    for (const QString& name : names)
+        if (auto logger = makeIfPossible(m_registry, name))
+            return logger;
+    throw Exception(QStringLiteral("NSInternalInconsistencyException"),
+                    QStringLiteral("could not create fallback Logger; tried ") + names.join(QStringLiteral(", ")));
+}
+
+void SharedLogger::replaceByFileLogger(Logr& fallback)
+{
+    try {
+        if (auto logger = m_registry.make(QStringLiteral("FileLogr")))
+            set(logger);
+    } catch (...) {
+        if (!dynamic_cast<NSLogLogr*>(&fallback))
+            return;
+        fallback.writeLine(LogClassification::Failure,
+                           nullptr,
+                           QStringLiteral("could not create standard logger; logging to console"));
+        fallback.writeException(
+            LogClassification::Failure, HVException::userInfoLogClassifications(), nullptr, Exception::fromCurrent());
+    }
+}
+
+/// Lets go of a logger that was closed. Its queue must not end on itself, which is where a failing write closes it.
+void SharedLogger::retire(std::shared_ptr<Logr> logger)
+{
+    if (logger->loggerQueue().isCurrent())
+        onGlobalQueue([logger = std::move(logger)] {});
+}
+
+void SharedLogger::set(const std::shared_ptr<Logr>& logger)
+{
+    std::shared_ptr<Logr> former = logger;
+    {
+        const std::lock_guard guard(m_lock);
+        m_logger.swap(former);
+    }
+    if (!former || former == logger)
+        return;
+    former->close();
+    retire(std::move(former));
+}
+
+void SharedLogger::close()
+{
+    set(nullptr);
+}
+
+} // namespace havrel

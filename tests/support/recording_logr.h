@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "diagnostics/logr.h"
+
+#include <QStringList>
+
+#include <mutex>
+#include <utility>
+
+namespace havrel::tests {
+
+/// A logger that keeps its finished lines.
+///
+/// Threads: any thread.
+class RecordingLogr : public Logr
+{
+public:
+    RecordingLogr() = default;
+    explicit RecordingLogr(Surroundings surroundings)
+        : Logr(std::move(surroundings))
+    {
+    }
+    ~RecordingLogr() override { Logr::close(); }
+    Q_DISABLE_COPY_MOVE(RecordingLogr)
+
+    void logCString(const QByteArray& line) override
+    {
+        const std::lock_guard guard(m_lock);
+        m_lines << QString::fromLatin1(line);
+    }
+
+    /// Every line so far.
+    [[nodiscard]] QStringList lines()
+    {
+        flush();
+        const std::lock_guard guard(m_lock);
+        return m_lines;
+    }
+
+    /// Every line without its date, and with its place below \p top: "Failure cannot read [.2.1]".
+    [[nodiscard]] QStringList shortLines(const LogLineIdentPtr& top)
+    {
+        const QString under = u'[' + top->description();
+        QStringList shown;
+        for (QString line : lines())
+            shown << line.mid(kDateLength).replace(under, QStringLiteral("["));
+        return shown;
+    }
+
+private:
+    static constexpr qsizetype kDateLength = 30; // "2025-07-30 12:34:56.789 +0200 "
+
+    std::mutex m_lock;
+    QStringList m_lines; // guarded by m_lock
+};
+
+/// Makes \p logger the shared logger for as long as this lives; then the next use chooses anew.
+class SharedLoggerScope
+{
+public:
+    explicit SharedLoggerScope(const LogrPtr& logger) { Logr::setSharedLogger(logger); }
+    ~SharedLoggerScope() { Logr::closeSharedLogger(); }
+    Q_DISABLE_COPY_MOVE(SharedLoggerScope)
+};
+
+} // namespace havrel::tests
