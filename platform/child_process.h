@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayList>
+
+#include <utility>
+
+#include <sys/types.h>
+
+namespace havrel::platform {
+
+/// A program that this process started. When the owner goes, it waits for the program to end, so that none is left
+/// behind as a zombie.
+///
+/// Threads: one thread at a time.
+class OwnedChildProcess
+{
+public:
+    OwnedChildProcess() = default;
+    explicit OwnedChildProcess(pid_t child) noexcept
+        : m_child(child)
+    {
+    }
+    ~OwnedChildProcess() { wait(); }
+    OwnedChildProcess(OwnedChildProcess&& other) noexcept
+        : m_child(std::exchange(other.m_child, 0))
+    {
+    }
+    OwnedChildProcess& operator=(OwnedChildProcess&& other) noexcept
+    {
+        std::swap(m_child, other.m_child);
+        return *this;
+    }
+    OwnedChildProcess(const OwnedChildProcess&) = delete;
+    OwnedChildProcess& operator=(const OwnedChildProcess&) = delete;
+
+    [[nodiscard]] bool isRunning() const noexcept { return m_child > 0; }
+    /// Waits until the program has ended.
+    ///
+    /// \return its exit status, 128 + the number of the signal that ended it, or -1 when there is nothing to wait for.
+    int wait() noexcept;
+
+private:
+    pid_t m_child = 0; // 0 when there is none
+};
+
+/// What became of an attempt to start a program.
+struct LaunchResult
+{
+    int errnoValue = 0; ///< 0 when the program runs
+    OwnedChildProcess child;
+};
+
+/// Starts \p program, the path of an executable file, with \p arguments (its own name is put before them).
+///
+/// The child's standard output is \p standardOutput, which stays open here; its standard input is empty and its
+/// standard error is this process's. It gets this process's environment, no blocked or ignored signals, and no
+/// descriptor that is marked close-on-exec, as all of this program's are. Returns when the program was executed or
+/// could not be.
+///
+/// \source posix_spawn(3)
+///
+/// Threads: any thread.
+[[nodiscard]] LaunchResult launch(const QByteArray& program, const QByteArrayList& arguments, int standardOutput);
+
+} // namespace havrel::platform
