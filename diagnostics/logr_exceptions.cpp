@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Exceptions and errors, as a logger writes them.
+#include "diagnostics/backtrace_frame.h"
 #include "diagnostics/exception_reason.h"
 #include "diagnostics/logr_state.h"
 #include "foundation/error.h"
@@ -12,21 +13,6 @@ constexpr int kMostCauses = 100; // an exception can be made its own cause
 QString hexadecimal(std::uintptr_t number)
 {
     return QString::number(number, 16);
-}
-
-/// An address in eighteen columns.
-QString addressText(std::uintptr_t address)
-{
-    return (QStringLiteral("0x") + hexadecimal(address)).rightJustified(18);
-}
-
-QString frameText(std::uintptr_t address, const std::optional<platform::SymbolLocation>& location)
-{
-    if (!location)
-        return addressText(address) + QStringLiteral(": (unknown image)");
-    const QString name = location->symbolName.isEmpty() ? QStringLiteral("unknown") : location->symbolName;
-    return addressText(address) + QStringLiteral(": ") + addressText(location->symbolAddress) + u' ' + name +
-           QStringLiteral(" (") + location->imagePath + u'@' + addressText(location->imageBase) + u')';
 }
 
 /// The value under \p key if it is a \p Value; it is then taken out.
@@ -91,7 +77,7 @@ void Logr::writeBacktrace(const LogLineIdentPtr& inLine, const platform::ReturnA
     if (!tag.writeFrames || !heading)
         return;
     for (const std::uintptr_t address : addresses)
-        writeLine(LogClassification::Debug, heading, frameText(address, m_state->symbolAt(address)));
+        writeLine(LogClassification::Debug, heading, backtraceFrameText(address, m_state->symbolAt(address)));
 }
 
 LogLineIdentPtr Logr::writeError(LogClassification classification,

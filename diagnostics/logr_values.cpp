@@ -27,12 +27,49 @@ bool isList(const QVariant& value)
     return value.typeId() == QMetaType::QVariantList || value.typeId() == QMetaType::QStringList;
 }
 
-} // namespace
+constexpr int kMostNested = 100; // containers in containers
 
-LogLineIdentPtr Logr::writeDictionary(LogClassification classification,
-                                      const UserInfoLogClassifications& map,
+/// Writes values and, one level deeper, what they hold.
+struct ValueWriter
+{
+    Logr& logger;
+    int depth = 0; // containers around the value
+
+    LogLineIdentPtr writeKey(LogClassification classification,
+                             const LogLineIdentPtr& inLine,
+                             const QString& key,
+                             const QVariant& value) const;
+    LogLineIdentPtr writeDictionary(LogClassification classification,
+                                    const UserInfoLogClassifications& map,
+                                    const LogLineIdentPtr& inLine,
+                                    const QVariantMap& dictionary) const;
+    void writeList(LogClassification classification, const LogLineIdentPtr& inLine, const QVariantList& list) const;
+};
+
+LogLineIdentPtr ValueWriter::writeKey(LogClassification classification,
                                       const LogLineIdentPtr& inLine,
-                                      const QVariantMap& dictionary)
+                                      const QString& key,
+                                      const QVariant& value) const
+{
+    if (!isDictionary(value) && !isList(value))
+        return logger.writeLine(classification, inLine, key + QStringLiteral(": ") + descriptionOf(value));
+    if (depth == kMostNested)
+        return logger.writeLine(classification, inLine, key + QStringLiteral(": ..."));
+    LogLineIdentPtr line = logger.writeLine(classification, inLine, key + u':');
+    if (!line)
+        return line;
+    const ValueWriter deeper{.logger = logger, .depth = depth + 1};
+    if (isDictionary(value))
+        deeper.writeDictionary(classification, {}, line, value.toMap());
+    else
+        deeper.writeList(classification, line, value.toList());
+    return line;
+}
+
+LogLineIdentPtr ValueWriter::writeDictionary(LogClassification classification,
+                                             const UserInfoLogClassifications& map,
+                                             const LogLineIdentPtr& inLine,
+                                             const QVariantMap& dictionary) const
 {
     LogLineIdentPtr first;
     for (auto entry = dictionary.begin(); entry != dictionary.end(); ++entry) {
@@ -44,30 +81,39 @@ LogLineIdentPtr Logr::writeDictionary(LogClassification classification,
     return first;
 }
 
+void ValueWriter::writeList(LogClassification classification,
+                            const LogLineIdentPtr& inLine,
+                            const QVariantList& list) const
+{
+    qsizetype index = 0;
+    for (const QVariant& element : list)
+        writeKey(classification, inLine, QStringLiteral("[%1]").arg(index++), element);
+}
+
+} // namespace
+
+LogLineIdentPtr Logr::writeDictionary(LogClassification classification,
+                                      const UserInfoLogClassifications& map,
+                                      const LogLineIdentPtr& inLine,
+                                      const QVariantMap& dictionary)
+{
+    return ValueWriter{.logger = *this}.writeDictionary(classification, map, inLine, dictionary);
+}
+
 LogLineIdentPtr Logr::writeKey(LogClassification classification,
                                const LogLineIdentPtr& inLine,
                                const QString& key,
                                const QVariant& value)
 {
-    if (!isDictionary(value) && !isList(value))
-        return writeLine(classification, inLine, key + QStringLiteral(": ") + descriptionOf(value));
-    LogLineIdentPtr line = writeLine(classification, inLine, key + u':');
-    if (!line)
-        return line;
-    if (isDictionary(value)) {
-        writeDictionary(classification, {}, line, value.toMap());
-        return line;
-    }
-    qsizetype index = 0;
-    for (const QVariant& element : value.toList())
-        writeKey(classification, line, QStringLiteral("[%1]").arg(index++), element);
-    return line;
+    return ValueWriter{.logger = *this}.writeKey(classification, inLine, key, value);
 }
 
 LogLineIdentPtr Logr::writeData(const LoggedData& logged)
 {
-    LogLineIdentPtr line = writeLine(
-        logged.classification, logged.inLine, QStringLiteral("%1: %2 bytes").arg(logged.key).arg(logged.data.size()));
+    LogLineIdentPtr line =
+        writeLine(logged.classification,
+                  logged.inLine,
+                  QStringLiteral("%1: %2 bytes").arg(logged.key, QString::number(logged.data.size())));
     if (!line)
         return line;
     for (const QString& row : dataDumpRows(logged.data, logged.tail))

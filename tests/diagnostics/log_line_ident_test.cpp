@@ -187,10 +187,10 @@ TEST(LogLineIdent, HashesTheWholeChain)
 
 TEST(LogLineIdent, LivesAndDiesWithMillionsOfAncestors)
 {
-    const auto line = LogLineIdent::logLineIdentifierFromString(QString(2'000'000, u'.'));
-    EXPECT_EQ(line->depth(), 1'999'999U);
+    const auto line = LogLineIdent::logLineIdentifierFromString(QString(500'000, u'.'));
+    EXPECT_EQ(line->depth(), 499'999U);
     EXPECT_TRUE(line->isEqual(*line));
-    EXPECT_EQ(line->description().size(), 2 * 2'000'000 - 1);
+    EXPECT_EQ(line->description().size(), 2 * 500'000 - 1);
 }
 
 TEST(LogLinePin, TakesTheIdentityOfWhatItPins)

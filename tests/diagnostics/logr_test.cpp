@@ -3,51 +3,28 @@
 
 #include "foundation/dispatch.h"
 #include "tests/support/recording_logr.h"
+#include "tests/support/time_zone_scope.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdlib>
-#include <ctime>
 #include <stdexcept>
 #include <thread>
 #include <vector>
+
+#include <unistd.h>
 
 namespace havrel {
 namespace {
 
 using tests::RecordingLogr;
 using tests::SharedLoggerScope;
+using tests::TimeZoneScope;
 
 LogDate dateAt(std::int64_t seconds, int milliseconds)
 {
     return LogDate(std::chrono::seconds(seconds) + std::chrono::milliseconds(milliseconds));
 }
-
-/// Sets the process's time zone.
-class TimeZoneScope
-{
-public:
-    explicit TimeZoneScope(const char* zone)
-        : m_former(qEnvironmentVariable("TZ"))
-    {
-        set(zone);
-    }
-    ~TimeZoneScope() { set(m_former.isNull() ? nullptr : m_former.toLocal8Bit().constData()); }
-    Q_DISABLE_COPY_MOVE(TimeZoneScope)
-
-private:
-    static void set(const char* zone)
-    {
-        if (zone)
-            qputenv("TZ", zone);
-        else
-            qunsetenv("TZ");
-        ::tzset();
-    }
-
-    QString m_former;
-};
 
 TEST(LogClassification, HasATagOfSevenCharactersEach)
 {
@@ -199,6 +176,129 @@ TEST(Logr, SurvivesALoggerThatRaises)
     EXPECT_NE(Logr::log(LogClassification::Plain, QStringLiteral("b")), nullptr);
     EXPECT_NO_THROW(logger->flush());
     EXPECT_EQ(logger->m_count, 2);
+}
+
+/// Writes 10,000 lines in ten seconds, twice, and two more.
+void flood(Logr& logger, std::atomic<std::int64_t>& milliseconds, const LogLineIdentPtr& top)
+{
+    for (int window = 0; window < 2; ++window) {
+        for (int i = 0; i < 10000; ++i) {
+            ++milliseconds;
+            logger.writeLine(LogClassification::Plain, top, QString::number(window * 10000 + i));
+        }
+    }
+    logger.writeLine(LogClassification::Plain, top, QStringLiteral("20000"));
+    logger.writeLine(LogClassification::Debug, top, QStringLiteral("stopping"));
+}
+
+class FloodedLogr : public testing::Test
+{
+protected:
+    class KeepingLogr : public Logr
+    {
+    public:
+        using Logr::Logr;
+        ~KeepingLogr() override { Logr::close(); }
+        void logCString(const QByteArray& line) override { m_lines << QString::fromLatin1(line); }
+        void waitForWriter() { loggerQueue().barrier(); }
+        QStringList m_lines; // changes on the writer queue
+    };
+
+    std::atomic<std::int64_t> m_milliseconds = 0;
+    LogLineIdentPtr m_top = std::make_shared<LogLineIdent>(nullptr, 1);
+    KeepingLogr m_logger{
+        {.now = [this] { return LogDate(std::chrono::milliseconds(m_milliseconds.load())); }, .symbolAt = {}}};
+};
+
+TEST_F(FloodedLogr, HoldsItsLinesBackUntilItIsFlushed)
+{
+    flood(m_logger, m_milliseconds, m_top);
+    m_logger.waitForWriter();
+    EXPECT_EQ(m_logger.m_lines.size(), 19999);
+    m_logger.flush();
+    EXPECT_EQ(m_logger.m_lines.size(), 20002);
+    EXPECT_TRUE(m_logger.m_lines.last().contains(QStringLiteral(" stopping [")));
+}
+
+TEST_F(FloodedLogr, WritesTheStopLineWhenItIsClosed)
+{
+    flood(m_logger, m_milliseconds, m_top);
+    m_logger.close();
+    EXPECT_EQ(m_logger.m_lines.size(), 20002);
+    EXPECT_TRUE(m_logger.m_lines.last().contains(QStringLiteral(" stopping [")));
+}
+
+TEST_F(FloodedLogr, ReportsLostLinesUnderAFreshLineOfTheRootAsOfTheRelease)
+{
+    flood(m_logger, m_milliseconds, m_top);
+    for (int i = 0; i < 4000; ++i)
+        m_logger.writeLine(LogClassification::Plain, m_top, QStringLiteral("more"));
+    m_logger.waitForWriter();
+    const std::uint64_t next = Logr::rootLogLine()->count() + 1;
+    m_milliseconds = 77000;
+    const TimeZoneScope zone("UTC0");
+    m_logger.flush();
+    EXPECT_EQ(
+        m_logger.m_lines.at(19999),
+        QStringLiteral("1970-01-01 00:01:17.000 +0000 Warning Logging rate was too fast; 1999 lines discarded [%1.%2]")
+            .arg(Logr::rootLogLine()->description())
+            .arg(next));
+}
+
+TEST_F(FloodedLogr, CanBeClosedOnItsOwnQueue)
+{
+    class ClosingLogr : public KeepingLogr
+    {
+    public:
+        using KeepingLogr::KeepingLogr;
+        void logCString(const QByteArray& line) override
+        {
+            KeepingLogr::logCString(line);
+            close();
+        }
+    };
+    ClosingLogr logger;
+    logger.writeLine(LogClassification::Plain, nullptr, QStringLiteral("a"));
+    logger.writeLine(LogClassification::Plain, nullptr, QStringLiteral("b"));
+    logger.waitForWriter();
+    EXPECT_EQ(logger.m_lines.size(), 2);
+}
+
+TEST(Logr, FormatsUnderTheRootAndAtDebug)
+{
+    const auto logger = std::make_shared<RecordingLogr>();
+    const SharedLoggerScope scope(logger);
+    const auto formatted = Logr::logFormat(LogClassification::Caution, "{:03}", 7);
+    const auto message = Logr::debugMessage(QStringLiteral("m"));
+    const auto debug = Logr::debugFormat("{}", QStringLiteral("f"));
+    for (const auto& line : {formatted, message, debug})
+        EXPECT_EQ(line->parent(), Logr::rootLogLine());
+    const QStringList lines = logger->shortLines(Logr::rootLogLine());
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_TRUE(lines[0].startsWith(QStringLiteral("Caution 007 [")));
+    EXPECT_TRUE(lines[1].startsWith(QStringLiteral("#debug# m [")));
+    EXPECT_TRUE(lines[2].startsWith(QStringLiteral("#debug# f [")));
+}
+
+TEST(Logr, HasOneRootLineForTheProcess)
+{
+    const auto root = Logr::rootLogLine();
+    EXPECT_EQ(root, Logr::rootLogLine());
+    EXPECT_EQ(root->depth(), 2U);
+    EXPECT_EQ(root->application(), 6U);
+    EXPECT_EQ(root->sequence(), static_cast<std::uint64_t>(::getpid()));
+}
+
+TEST(Logr, WritesEvenAnEmptyMessageAndOneOfAMegabyte)
+{
+    RecordingLogr logger;
+    const auto top = std::make_shared<LogLineIdent>(nullptr, 1);
+    logger.writeLine(LogClassification::Plain, top, QString());
+    logger.writeLine(LogClassification::Plain, top, QString(1 << 20, u'x'));
+    const QStringList lines = logger.shortLines(top);
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_EQ(lines[0], QStringLiteral("         [.1]"));
+    EXPECT_EQ(lines[1].size(), 8 + (1 << 20) + 5);
 }
 
 } // namespace

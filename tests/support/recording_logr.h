@@ -38,6 +38,14 @@ public:
         return m_lines;
     }
 
+    /// Forgets every line so far.
+    void clear()
+    {
+        flush();
+        const std::lock_guard guard(m_lock);
+        m_lines.clear();
+    }
+
     /// Every line without its date, and with its place below \p top: "Failure cannot read [.2.1]".
     [[nodiscard]] QStringList shortLines(const LogLineIdentPtr& top)
     {
