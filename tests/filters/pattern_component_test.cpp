@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "filters/pattern_component.h"
 
-#include "platform/globs.h"
+#include "tests/support/glob_matcher_that_answers.h"
 
 #include <gtest/gtest.h>
 
@@ -9,25 +9,6 @@
 
 namespace havrel {
 namespace {
-
-/// Puts a matcher that answers \p kOutcome in place of the C library's as long as it lives.
-template<int kOutcome>
-class MatcherThatAnswers
-{
-public:
-    MatcherThatAnswers()
-        : m_previous(platform::replaceGlobMatcher([](const char*, const char*, int) { return kOutcome; }))
-    {
-    }
-    ~MatcherThatAnswers() { platform::replaceGlobMatcher(m_previous); }
-    MatcherThatAnswers(const MatcherThatAnswers&) = delete;
-    MatcherThatAnswers& operator=(const MatcherThatAnswers&) = delete;
-    MatcherThatAnswers(MatcherThatAnswers&&) = delete;
-    MatcherThatAnswers& operator=(MatcherThatAnswers&&) = delete;
-
-private:
-    platform::GlobMatcher m_previous;
-};
 
 void expectError(const Validity& validity, const char* domain, const char* reason, const QString& description)
 {
@@ -55,7 +36,7 @@ TEST(PatternComponent, AcceptsGlobsWithNULsAndBytesOutsideUTF8)
 
 TEST(PatternComponent, RefusesAGlobForWhichTheMatcherAnswersMoreThanNoMatch)
 {
-    const MatcherThatAnswers<2> matcher;
+    const GlobMatcherThatAnswers<2> matcher;
 
     expectError(validatePatternComponent(u"[x"_qs, PatternType::Glob),
                 "FilterDef",
@@ -65,7 +46,7 @@ TEST(PatternComponent, RefusesAGlobForWhichTheMatcherAnswersMoreThanNoMatch)
 
 TEST(PatternComponent, RefusesAGlobWhoseMatcherFails)
 {
-    const MatcherThatAnswers<-1> matcher; // as without memory
+    const GlobMatcherThatAnswers<-1> matcher; // as without memory
 
     EXPECT_FALSE(validatePatternComponent(u"*"_qs, PatternType::Glob));
 }
@@ -73,10 +54,10 @@ TEST(PatternComponent, RefusesAGlobWhoseMatcherFails)
 TEST(PatternComponent, TakesMatchAndNoMatchAlike)
 {
     {
-        const MatcherThatAnswers<0> matcher;
+        const GlobMatcherThatAnswers<0> matcher;
         EXPECT_TRUE(validatePatternComponent(u"["_qs, PatternType::Glob));
     }
-    const MatcherThatAnswers<1> matcher;
+    const GlobMatcherThatAnswers<1> matcher;
     EXPECT_TRUE(validatePatternComponent(u"["_qs, PatternType::Glob));
 }
 

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#include "filters/filter_definition.h"
+
+namespace havrel {
+
+FilterDefinition::FilterDefinition(Decoder& /*decoder*/) {}
+
+void FilterDefinition::encodeWithCoder(Encoder& /*encoder*/) const {}
+
+QString FilterDefinition::description() const
+{
+    return QLatin1StringView{""};
+}
+
+bool FilterDefinition::isEqual(const FilterDefinition& other) const
+{
+    return this == &other;
+}
+
+std::shared_ptr<FilterDefinition> FilterDefinition::makeCopy()
+{
+    return std::make_shared<FilterDefinition>();
+}
+
+} // namespace havrel
