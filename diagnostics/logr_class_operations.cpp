@@ -8,7 +8,7 @@
 #include "foundation/error.h"
 #include "platform/journal.h"
 #include "platform/local_time.h"
-#include "platform/process_identity.h"
+#include "platform/own_process.h"
 
 #include <algorithm>
 #include <array>

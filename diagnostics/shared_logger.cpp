@@ -5,7 +5,7 @@
 #include "diagnostics/logr.h"
 #include "diagnostics/nslog_logr.h"
 #include "foundation/dispatch.h"
-#include "platform/process_identity.h"
+#include "platform/identity.h"
 
 #include <QScopedValueRollback>
 #include <QStringList>
@@ -43,8 +43,9 @@ SharedLogger& SharedLogger::ofProcess()
 {
     // Never destroyed: lines may be logged until the very end of the process.
     static SharedLogger& s_shared =
-        *std::make_unique<SharedLogger>(
-             LoggerRegistry::shared(), platform::effectiveUserID() == 0 ? EffectiveUser::Root : EffectiveUser::Ordinary)
+        *std::make_unique<SharedLogger>(LoggerRegistry::shared(),
+                                        platform::identity().effectiveUser() == 0 ? EffectiveUser::Root
+                                                                                  : EffectiveUser::Ordinary)
              .release();
     return s_shared;
 }
