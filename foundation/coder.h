@@ -35,6 +35,11 @@ public:
     virtual void encodeObject(const QVariant& object) = 0;
     virtual void encodeUnsigned32(quint32 value) = 0;
     virtual void encodeBytes(const QByteArray& bytes) = 0;
+
+    /// Whether encodeObject() would take \p object, without looking into it: nil, property-list values, the null object
+    /// and instances of archivable classes, but none that is just being encoded further out, and none that would nest
+    /// too deep. For objects that would rather archive a stand-in than fail.
+    [[nodiscard]] virtual bool canEncodeObject(const QVariant& /*object*/) const { return true; }
 };
 
 /// Where an object reads its fields back. A missing key gives nil, false, 0 or no bytes.
@@ -81,9 +86,13 @@ struct ArchivableClass
     void (*encode)(const QVariant& object, Encoder& encoder) = nullptr;
     /// Answers the new object; nil or an exception when the fields make none.
     QVariant (*decode)(Decoder& decoder) = nullptr;
+    /// Whether decode() asks for every object by class, so that hostile archives cannot choose what is made.
+    bool supportsSecureCoding = true;
 };
 
-/// Adds a class to the process-wide table; a second class of the same name replaces the first.
+/// Adds a class to the process-wide table; a second class of the same name replaces the first. The classes of this
+/// library ("NSError", "NSIndexSet", "NSException", "HVException" and the property-list values) are there from the
+/// start.
 ///
 /// Threads: any thread.
 void registerArchivableClass(const ArchivableClass& archivable);
