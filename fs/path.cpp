@@ -1,12 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "fs/path.h"
 
+#include "fs/path_coding.h"
 #include "fs/path_text.h"
 #include "platform/file_names.h"
 
 #include <utility>
 
 namespace havrel {
+namespace {
+
+/// Here, where every program that has paths links it.
+const bool kClassesRegistered = registerPathClasses();
+
+} // namespace
 
 JNPath::JNPath(Token /*token*/, QByteArray name, QByteArray path)
     : m_cPath(std::move(path))
@@ -207,11 +214,6 @@ std::strong_ordering JNPath::compare(const QVariant& object) const
 QString JNPath::description() const
 {
     return QStringLiteral("<%1: 0x%2>(%3)").arg(className(), QString::number(quintptr(this), 16), path());
-}
-
-QString JNPath::className() const
-{
-    return QStringLiteral("JNPath");
 }
 
 } // namespace havrel

@@ -18,8 +18,6 @@ namespace havrel {
 
 class Decoder;
 class Encoder;
-class Error;
-class HVException;
 class JNDirectory;
 class JNFileInfo;
 class JNPath;
@@ -83,16 +81,16 @@ public:
     /// Null when the archive holds no path. \selector initWithCoder:
     [[nodiscard]] static JNPathPtr withCoder(Decoder& decoder);
 
-    [[nodiscard]] static JNPathPtr pathWithPath(const QString& path); ///< \selector pathWithPath:
-    [[nodiscard]] static JNPathPtr pathWithURL(const QUrl& url);      ///< null as withURL. \selector pathWithURL:
-    /// pathWithPath and real(); may block. \selector realPath:
+    [[nodiscard]] static JNPathPtr pathWithPath(const QString& path); ///< \selector +pathWithPath:
+    [[nodiscard]] static JNPathPtr pathWithURL(const QUrl& url);      ///< null as withURL. \selector +pathWithURL:
+    /// pathWithPath and real(); may block. \selector +realPath:
     [[nodiscard]] static JNPathPtr realPath(const QString& path);
-    /// One path for each text or file URL, in order; anything else is left out. \selector arrayFromPathsOrURLs:
+    /// One path for each text or file URL, in order; anything else is left out. \selector +arrayFromPathsOrURLs:
     [[nodiscard]] static std::vector<JNPathPtr> arrayFromPathsOrURLs(const QVariantList& pathsOrURLs);
-    /// The folder for temporary items, links resolved; found once. \selector tempPath
+    /// The folder for temporary items, links resolved; found once. \selector +tempPath
     [[nodiscard]] static JNPathPtr tempPath();
     /// A name in tempPath() that no item has, "prefix-0123abcd.extension"; nothing is made.
-    /// \selector tempPathWithPrefix:extension:
+    /// \selector +tempPathWithPrefix:extension:
     [[nodiscard]] static JNPathPtr tempPathWithPrefix(const QString& prefix, const QString& extension);
 
     /// An object of the same class with the same fields. \selector copyWithZone:
@@ -250,13 +248,12 @@ protected:
 
 private:
     [[nodiscard]] JNPathPtr resolved(const QByteArray& realPath);
-    [[nodiscard]] QString targetFor(const QString& target) const;
+    /// Empty for the empty text.
+    [[nodiscard]] QString absoluteTarget(const QString& target) const;
     [[nodiscard]] QString joinedTarget(const std::optional<QString>& directory,
                                        const std::optional<QString>& name) const;
-    [[nodiscard]] HVException refusal(int error, const QString& reason) const;
     void renameOver(const QString& target) const;
     void moveWithoutReplacing(const QString& target) const;
-    void makeRoomAndCopy(const QString& target, Overwriting overwriting) const;
     [[nodiscard]] QByteArray exchangeSibling() const;
     [[nodiscard]] int renameThreeTimes(const QByteArray& mine, const QByteArray& others) const;
     [[nodiscard]] bool swapAtOnce(const JNPath& other) const;

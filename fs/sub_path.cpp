@@ -36,11 +36,6 @@ JNPathPtr JNSubPath::copy() const
     return same;
 }
 
-QString JNSubPath::className() const
-{
-    return QStringLiteral("JNSubPath");
-}
-
 const QByteArray& JNSubPath::cPath_nonblocking() const
 {
     if (m_cPath.isNull())

@@ -47,8 +47,9 @@ ItemCalls systemItemCalls()
         .pread = ::pread,
         .pwrite = ::pwrite,
         .ftruncate = ::ftruncate,
-        .fchmod = ::fchmod,
-        .fsetxattr = ::fsetxattr,
+        .syncfs = ::syncfs,
+        .chmod = ::chmod,
+        .setxattr = ::setxattr,
     };
 }
 

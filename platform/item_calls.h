@@ -44,8 +44,9 @@ struct ItemCalls
     std::function<ssize_t(int file, void* buffer, std::size_t size, off_t offset)> pread;
     std::function<ssize_t(int file, const void* buffer, std::size_t size, off_t offset)> pwrite;
     std::function<int(int file, off_t size)> ftruncate;
-    std::function<int(int file, mode_t mode)> fchmod;
-    std::function<int(int file, const char* name, const void* value, std::size_t size, int flags)> fsetxattr;
+    std::function<int(int file)> syncfs;
+    std::function<int(const char* path, mode_t mode)> chmod;
+    std::function<int(const char* path, const char* name, const void* value, std::size_t size, int flags)> setxattr;
 };
 
 /// The calls in use; the system's own until a test replaces them.

@@ -51,14 +51,16 @@ std::optional<QByteArray> linkText(const QByteArray& path)
 /// this process's root: only a text that leads back to the item is its path.
 bool leadsTo(const QByteArray& path, int descriptor)
 {
-    struct stat open
-    {
-    };
-    struct stat found
-    {
-    };
+    struct stat open;
+    struct stat found;
     return ::fstat(descriptor, &open) == 0 && itemCalls().lstat(path.constData(), &found) == 0 &&
            open.st_dev == found.st_dev && open.st_ino == found.st_ino;
+}
+
+bool isMountRoot(int folder, const char* name, int flags)
+{
+    struct statx status;
+    return ::statx(folder, name, flags, 0, &status) == 0 && (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
 }
 
 } // namespace
@@ -88,17 +90,13 @@ int exchangeItems(const QByteArray& one, const QByteArray& other)
 
 bool itemExists(const QByteArray& path)
 {
-    struct stat status
-    {
-    };
+    struct stat status;
     return namesAnItem(path) && itemCalls().stat(path.constData(), &status) == 0;
 }
 
 int findName(const QByteArray& path)
 {
-    struct stat status
-    {
-    };
+    struct stat status;
     return namesAnItem(path) ? answer(itemCalls().lstat(path.constData(), &status)) : EINVAL;
 }
 
@@ -124,12 +122,20 @@ std::optional<QByteArray> canonicalPath(const QByteArray& path)
 
 std::optional<std::uint64_t> deviceId(const QByteArray& path)
 {
-    struct stat status
-    {
-    };
+    struct stat status;
     if (!namesAnItem(path) || itemCalls().lstat(path.constData(), &status) != 0)
         return std::nullopt;
     return status.st_dev;
+}
+
+bool isMountPoint(const QByteArray& path)
+{
+    return namesAnItem(path) && isMountRoot(AT_FDCWD, path.constData(), AT_SYMLINK_NOFOLLOW);
+}
+
+bool isMountPoint(int folder)
+{
+    return isMountRoot(folder, "", AT_EMPTY_PATH);
 }
 
 std::int64_t pathLimit(const QByteArray& path, PathLimit limit)

@@ -39,6 +39,11 @@ namespace havrel::platform {
 /// The device that the item itself lies on; none when there is no item. \source stat(2), st_dev
 [[nodiscard]] std::optional<std::uint64_t> deviceId(const QByteArray& path);
 
+/// Whether a file system, or another part of one, is mounted on the folder itself.
+/// \source statx(2), STATX_ATTR_MOUNT_ROOT
+[[nodiscard]] bool isMountPoint(const QByteArray& path);
+[[nodiscard]] bool isMountPoint(int folder);
+
 /// What limits a path's file system names, as pathconf(3) does. -1: an error or no limit.
 enum class PathLimit { MinTransferSize, MaxTransferSize, FileSizeBits };
 [[nodiscard]] std::int64_t pathLimit(const QByteArray& path, PathLimit limit);

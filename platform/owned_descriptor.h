@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cerrno>
 #include <utility>
 
 #include <unistd.h>
@@ -34,6 +35,12 @@ public:
     /// -1 when there is none.
     [[nodiscard]] int get() const noexcept { return m_descriptor; }
     [[nodiscard]] bool isOpen() const noexcept { return m_descriptor >= 0; }
+    /// Closes it and tells what a late write to it met with.
+    /// \return 0 or an errno value; nothing is owned any more.
+    [[nodiscard]] int close() noexcept
+    {
+        return m_descriptor < 0 || ::close(std::exchange(m_descriptor, -1)) == 0 ? 0 : errno;
+    }
     void reset() noexcept
     {
         if (m_descriptor >= 0)

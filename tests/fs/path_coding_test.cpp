@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "foundation/archiving.h"
 #include "foundation/coder.h"
 #include "fs/path.h"
 #include "fs/sub_path.h"
@@ -113,6 +114,33 @@ TEST(PathCoding, BringsSubPathsBackWithAParent)
     EXPECT_EQ(path->cName(), QByteArray("b"));
     ASSERT_NE(path->parent(), nullptr);
     EXPECT_EQ(path->parent()->cPath(), QByteArray("/a"));
+}
+
+TEST(PathCoding, ArchivesPathsAmongOtherValues)
+{
+    const auto path = JNPath::withCPath("/a/\xFF");
+    const auto subPath = JNSubPath::withCName("b", path);
+    const QVariantList objects{
+        QVariant::fromValue(path), QVariant::fromValue(subPath), QVariant::fromValue(path), QStringLiteral("text")};
+    const QVariantList back = archivedObject(dataForRootObject(objects, SecureCoding::Yes)).toList();
+    ASSERT_EQ(back.size(), 4);
+    const auto first = back[0].value<JNPathPtr>();
+    const auto second = back[1].value<JNPathPtr>();
+    ASSERT_NE(first, nullptr);
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(first->cPath(), QByteArray("/a/\xFF"));
+    EXPECT_EQ(first->className(), QStringLiteral("JNPath"));
+    EXPECT_EQ(second->cPath(), QByteArray("/a/\xFF/b"));
+    EXPECT_EQ(second->className(), QStringLiteral("JNSubPath"));
+    EXPECT_EQ(back[2].value<JNPathPtr>(), first) << "one object, written once";
+}
+
+TEST(PathCoding, ReadsSubPathsWherePathsAreAskedFor)
+{
+    const auto subPath = JNSubPath::withCName("b", JNPath::withCPath("/a"));
+    const QByteArray archive = dataForRootObject(QVariant::fromValue(subPath));
+    const QVariant back = archivedObjectOfClass(archive, QStringLiteral("JNPath"));
+    EXPECT_TRUE(back.value<JNPathPtr>()->isEqual(*subPath));
 }
 
 } // namespace

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/item_attributes.h"
+
+namespace havrel::platform {
+
+class ItemPlace;
+
+/// Whether \p from can be copied at all, without touching anything: it exists, it can be opened for reading, and
+/// \p to does not lie inside of it. Blocks on the disk.
+/// \return 0 or an errno value, EINVAL for a place inside.
+[[nodiscard]] int refuseToCopy(const ItemPlace& from, const ItemPlace& to);
+
+/// Whether what is at \p to may be removed to make room for a copy of \p from: not when it is that item itself (under
+/// whatever name), the target of that link, or a folder that holds it.
+/// \return 0, also when there is nothing; EINVAL, or the errno value why it cannot be told.
+[[nodiscard]] int refuseToReplace(const ItemPlace& from, const ItemPlace& to);
+
+/// Copies an item, a folder with everything in it; blocks on the disk.
+///
+/// Links are copied as links, pipes, sockets and devices as such; nothing is opened that blocks or triggers anything.
+/// Hard links between items of the tree are kept where the file system can and the names are not too long. Until the
+/// last step only this user can get at a copied folder. Items of the tree that vanish meanwhile are left out.
+///
+/// \return an error EEXIST when something is at \p to, a dangling link too. On any error everything that this copy
+///         made is removed again, and nothing else.
+///
+/// Threads: any thread.
+[[nodiscard]] AttributeOutcome copyItem(const ItemPlace& from, const ItemPlace& to, AttributeLoss loss);
+
+/// Moves an item to another file system: copies it, sees to it that the copy is on the disk, and removes the original.
+/// Attributes that the other file system does not keep are refused (ENOTSUP).
+///
+/// \return 0 or an errno value. The original is then untouched and the copy gone; only when the original could not be
+///         removed, the copy stays beside what is left of it.
+///
+/// Threads: any thread.
+[[nodiscard]] int moveAcross(const ItemPlace& from, const ItemPlace& to);
+
+} // namespace havrel::platform
