@@ -1,40 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "diagnostics/process_lines.h"
 
+#include "foundation/process.h"
 #include "platform/host.h"
 #include "platform/identity.h"
-#include "platform/os_release.h"
 #include "platform/own_process.h"
 
 namespace havrel {
 
-namespace {
-
-/// "Debian GNU/Linux 12 (bookworm), Linux 6.1.0-30-amd64"
-QString operatingSystemText(const platform::Host& host)
-{
-    const QString distribution =
-        platform::parseOSRelease(host.osRelease()).value("PRETTY_NAME", QStringLiteral("Linux"));
-    return distribution + QStringLiteral(", ") + QString::fromUtf8(host.systemName() + ' ' + host.release());
-}
-
-double secondsUp(const platform::Host& host)
-{
-    const auto up = host.timeSinceBoot();
-    return up ? std::chrono::duration<double>(*up).count() : 0;
-}
-
-} // namespace
-
 ProcessFacts ProcessFacts::current()
 {
     return {.processName = platform::processName(),
-            .operatingSystem = operatingSystemText(platform::host()),
+            .operatingSystem = Process::readableOSVersion(),
             .architecture = QString::fromLatin1(platform::architectureName()),
             .parent = platform::parentProcessID(),
             .user = platform::identity().realUser(),
             .effectiveUser = platform::identity().effectiveUser(),
-            .uptime = secondsUp(platform::host()),
+            .uptime = Process::upTimeInterval().count(),
             .arguments = platform::processArguments()};
 }
 

@@ -2,6 +2,7 @@
 #include "foundation/date_additions.h"
 
 #include "foundation/clock.h"
+#include "foundation/floored_division.h"
 #include "foundation/wall_clock.h"
 
 #include <algorithm>
@@ -15,18 +16,6 @@ namespace havrel {
 namespace {
 
 constexpr qint64 kMinutesADay = 24 * 60;
-
-struct Quotient
-{
-    qint64 whole;
-    qint64 rest; // 0 or more
-};
-
-Quotient floored(qint64 dividend, qint64 divisor)
-{
-    const qint64 rest = dividend % divisor;
-    return rest < 0 ? Quotient{dividend / divisor - 1, rest + divisor} : Quotient{dividend / divisor, rest};
-}
 
 QTime timeAtMinute(qint64 minuteOfDay)
 {
@@ -63,7 +52,7 @@ QDate monthsLater(QDate date, qint64 months)
     qint64 month = 0;
     if (__builtin_add_overflow(12 * year + date.month() - 1, months, &month))
         return {};
-    const Quotient later = floored(month, 12);
+    const FlooredQuotient later = flooredQuotient(month, 12);
     const qint64 calendarYear = later.whole > 0 ? later.whole : later.whole - 1;
     if (!std::in_range<int>(calendarYear))
         return {};
@@ -132,9 +121,10 @@ QDateTime dateWithHour(const QDateTime& date, std::chrono::hours hour, std::chro
     if (!date.isValid())
         return {};
     const WallClock shown(date);
-    const Quotient hours = floored(hour == kOwnHour ? shown.time().hour() : hour.count(), 24);
-    const Quotient minutes = floored(minute == kOwnMinute ? shown.time().minute() : minute.count(), kMinutesADay);
-    const Quotient rest = floored(60 * hours.rest + minutes.rest, kMinutesADay);
+    const FlooredQuotient hours = flooredQuotient(hour == kOwnHour ? shown.time().hour() : hour.count(), 24);
+    const FlooredQuotient minutes =
+        flooredQuotient(minute == kOwnMinute ? shown.time().minute() : minute.count(), kMinutesADay);
+    const FlooredQuotient rest = flooredQuotient(60 * hours.rest + minutes.rest, kMinutesADay);
     return WallClock(shown.date().addDays(hours.whole + minutes.whole + rest.whole), timeAtMinute(rest.rest)).moment();
 }
 

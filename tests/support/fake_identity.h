@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/identity.h"
+
+#include <cerrno>
+
+namespace havrel {
+
+/// An identity that follows the kernel's rules on made-up ids, in place from construction to destruction; one at a
+/// time. What is captured of the identity must be captured anew after both.
+///
+/// \source seteuid(2), setegid(2): without privileges only the real, the effective and the saved id are allowed
+class FakeIdentity final : public platform::Identity
+{
+public:
+    struct Ids
+    {
+        uid_t real;
+        uid_t effective;
+        uid_t saved;
+    };
+
+    FakeIdentity(Ids user, Ids group)
+        : m_user(user)
+        , m_group(group)
+    {
+        platform::replaceIdentity(this);
+    }
+    ~FakeIdentity() override { platform::replaceIdentity(nullptr); }
+    FakeIdentity(const FakeIdentity&) = delete;
+    FakeIdentity& operator=(const FakeIdentity&) = delete;
+    FakeIdentity(FakeIdentity&&) = delete;
+    FakeIdentity& operator=(FakeIdentity&&) = delete;
+
+    uid_t realUser() const override { return m_user.real; }
+    uid_t effectiveUser() const override { return m_user.effective; }
+    gid_t realGroup() const override { return m_group.real; }
+    gid_t effectiveGroup() const override { return m_group.effective; }
+    int setEffectiveUser(uid_t user) override { return set(m_user, user); }
+    int setEffectiveGroup(gid_t group) override { return set(m_group, group); }
+
+    int changes = 0; ///< that were made or refused
+
+private:
+    int set(Ids& ids, uid_t wanted)
+    {
+        ++changes;
+        const bool allowed =
+            m_user.effective == 0 || wanted == ids.real || wanted == ids.saved || wanted == ids.effective;
+        if (!allowed)
+            return EPERM;
+        ids.effective = wanted;
+        return 0;
+    }
+
+    Ids m_user;
+    Ids m_group;
+};
+
+} // namespace havrel
