@@ -32,6 +32,12 @@ bool fitsXML(const QString& text)
     return true;
 }
 
+/// A reference is a dictionary in XML.
+bool isContainer(Kind kind)
+{
+    return kind == Kind::List || kind == Kind::Map || kind == Kind::UID;
+}
+
 QString realText(double number)
 {
     if (std::isnan(number))
@@ -102,7 +108,7 @@ bool Writer::isRefused(Kind kind, const QVariant& value, int depth)
         fail(QStringLiteral("XML has no null object"));
     else if (++m_visited > kMostPropertyListObjects)
         fail(property_list_fault::tooManyValues());
-    else if (depth == kDeepestPropertyList && (kind == Kind::List || kind == Kind::Map))
+    else if (depth == kDeepestPropertyList && isContainer(kind))
         fail(property_list_fault::tooDeep());
     return !m_fault.isNull();
 }
@@ -181,6 +187,7 @@ void Writer::addDate(const QDateTime& date)
 
 void Writer::addUID(PropertyListUID uid)
 {
+    m_visited += 2; // its key and its number
     m_xml.writeStartElement(QStringLiteral("dict"));
     element(QLatin1StringView("key"), QString(xml_property_list::kUIDKey));
     element(QLatin1StringView("integer"), QString::number(uid.number));

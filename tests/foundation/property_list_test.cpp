@@ -223,6 +223,17 @@ TEST(PropertyList, WritesRecordsOfCapturePreferencesInTheirKnownSizes)
     EXPECT_EQ(binaryPropertyList(scrape).bytes.size(), 102);
 }
 
+TEST(PropertyList, CountsAReferenceInXMLAsTheDictionaryThatItIs)
+{
+    QVariant deep = QVariant::fromValue(PropertyListUID{1});
+    for (int i = 1; i < kDeepestPropertyList; ++i)
+        deep = QVariantList{deep};
+
+    EXPECT_EQ(spelled(parsePropertyList(xmlPropertyList(deep).bytes).value), spelled(deep));
+    EXPECT_TRUE(xmlPropertyList(QVariantList{deep}).error);
+    EXPECT_FALSE(binaryPropertyList(QVariantList{deep}).error);
+}
+
 TEST(PropertyList, StoresEqualScalarsOnce)
 {
     const QByteArray large(1000, 'x');
