@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayList>
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+namespace havrel::cli {
+
+class Command;
+class Report;
+
+/// What a subcommand works on: paths or "file:" URIs, as operands or NUL-separated from a file.
+///
+/// Threads: one thread at a time.
+class Items
+{
+public:
+    /// Adds the operands and the option to \p command.
+    void
+    define(Command& command, const char* placeholder = "ITEM...", const char* help = "Path or file: URI of an item");
+    /// Calls \p act with the path of each item, in order, as they come. What is no item is told to \p report.
+    ///
+    /// \throws WrongUsage when nothing was given.
+    void forEach(Report& report, const std::function<void(const QByteArray& path)>& act) const;
+    /// Whether the items come from standard input.
+    [[nodiscard]] bool readStandardInput() const { return m_from == "-"; }
+    /// How many operands there are; nullopt when items come from a file too.
+    [[nodiscard]] std::optional<qsizetype> count() const;
+
+private:
+    QByteArrayList m_operands;
+    std::optional<QByteArray> m_from;
+};
+
+/// The path that \p item means, or why it means none.
+struct ItemPath
+{
+    QByteArray path;
+    QString fault; ///< null when there is a path
+};
+
+/// Text that begins with "file:" is a URI, everything else a path. Slashes at the end go: they would lead through a
+/// link to its target.
+///
+/// \source RFC 8089; the host may be absent, empty or "localhost".
+///
+/// Threads: any thread.
+[[nodiscard]] ItemPath pathOfItem(const QByteArray& item);
+
+/// \p path without the slashes at its end; "/" stays.
+///
+/// Threads: any thread.
+[[nodiscard]] QByteArray withoutTrailingSlashes(QByteArray path);
+
+} // namespace havrel::cli

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#include "cli/command.h"
+#include "cli/output.h"
+#include "cli/report.h"
+#include "cli/subcommands.h"
+#include "diagnostics/exception_base.h"
+#include "foundation/error.h"
+
+#include <array>
+#include <exception>
+
+namespace havrel::cli {
+namespace {
+
+constexpr auto kGroups = std::to_array<SubcommandGroup>({
+    {"captureprefs", "Capture preferences of files and folders"},
+    {"pattern", "Exclusion patterns"},
+    {"log", "Lines of the log"},
+});
+
+constexpr auto kSubcommands = std::to_array<Subcommand>({
+    {"captureprefs", "show", "Show the preferences of items", defineCaptureprefsShow},
+    {"captureprefs", "set", "Change the preferences of items", defineCaptureprefsSet},
+    {"captureprefs", "clear", "Remove the preferences of items", defineCaptureprefsClear},
+    {"captureprefs", "list", "Find the items below folders that carry preferences", defineCaptureprefsList},
+    {"captureprefs", "export", "Write the preferences of everything below folders as JSON", defineCaptureprefsExport},
+    {"captureprefs", "import", "Give items the preferences that were exported", defineCaptureprefsImport},
+    {"pattern", "check", "Tell whether patterns are valid, and how they are understood", definePatternCheck},
+    {"log", "id", "Take the identities of log lines apart", defineLogId},
+});
+
+ExitStatus guardedRun(std::span<const char* const> arguments)
+{
+    Report report;
+    try {
+        return runSubcommand(arguments, kGroups, kSubcommands);
+    } catch (const Exception& exception) {
+        report.failure("internal error", exception.description());
+    } catch (const std::exception& exception) {
+        report.failure("internal error", QString::fromLocal8Bit(exception.what()));
+    } catch (...) {
+        report.failure("internal error", QStringLiteral("unknown"));
+    }
+    return report.status();
+}
+
+ExitStatus finished(ExitStatus status)
+{
+    const int error = finishOutput();
+    if (error == 0)
+        return status;
+    Report report;
+    report.failure("standard output", systemErrorText(error));
+    return status == ExitStatus::Done ? report.status() : status;
+}
+
+} // namespace
+} // namespace havrel::cli
+
+int main(int argc, char** argv)
+{
+    const std::span<const char* const> arguments(argv, static_cast<std::size_t>(argc));
+    const auto own = arguments.empty() ? arguments : arguments.subspan(1);
+    return static_cast<int>(havrel::cli::finished(havrel::cli::guardedRun(own)));
+}
