@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/string_values.h"
 
+#include <QString> // defines the conversions of QStringView inline
+
 #include <limits>
 
 namespace havrel {
