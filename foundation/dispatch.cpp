@@ -2,6 +2,7 @@
 #include "foundation/dispatch.h"
 
 #include "diagnostics/logr.h"
+#include "foundation/main_queue_wall.h"
 #include "platform/file_names.h"
 
 #include <QCoreApplication>
@@ -21,6 +22,7 @@ namespace havrel {
 namespace {
 
 thread_local const void* t_currentQueue = nullptr; // the state of the queue whose thread this is
+thread_local std::exception_ptr t_thrownOn;        // logged by the main queue, on its way to the wall
 
 void logEscapingException()
 {
@@ -33,6 +35,7 @@ void runThrowingOn(const std::function<void()>& block)
         block();
     } catch (...) {
         logEscapingException();
+        t_thrownOn = std::current_exception();
         throw;
     }
 }
@@ -52,6 +55,13 @@ void onMainQueue(std::function<void()> block)
 {
     QMetaObject::invokeMethod(
         QCoreApplication::instance(), [block = std::move(block)] { runThrowingOn(block); }, Qt::QueuedConnection);
+}
+
+void endAtMainQueueWall()
+{
+    const std::exception_ptr thrownOn = std::exchange(t_thrownOn, nullptr);
+    if (std::current_exception() != thrownOn)
+        Logr::logException(Exception::fromCurrent());
 }
 
 void onGlobalQueue(std::function<void()> block)
@@ -74,6 +84,7 @@ struct SerialQueue::State
     std::condition_variable arrived;
     std::vector<std::function<void()>> waiting; // guarded by lock
     bool idle = false;                          // guarded by lock: the thread waits for a block
+    bool started = false;                       // guarded by lock
     bool ending = false;                        // guarded by lock
     std::thread thread;                         // guarded by lock until ending
 };
@@ -103,7 +114,8 @@ void SerialQueue::State::run()
 
 void SerialQueue::State::startThreadLocked()
 {
-    if (!thread.joinable())
+    // Not asked of the thread itself, which the destructor takes away while the last blocks may still queue others.
+    if (!std::exchange(started, true))
         thread = std::thread([this] { run(); });
 }
 

@@ -8,9 +8,9 @@
 
 namespace havrel {
 
-/// Queues \p block on the main thread's event loop: never run at once, even on the main thread. Needs a core
-/// application object when the block is to run. An exception that leaves the block is logged at Debug and thrown on,
-/// into the event loop's own wall.
+/// Queues \p block on the main thread's event loop: never run at once, even on the main thread. There is no main queue
+/// before the core application object is made and after it has gone: then the block is dropped. An exception that
+/// leaves the block is logged at Debug and thrown on, into the event loop's own wall (foundation/main_queue_wall.h).
 ///
 /// Threads: any thread.
 void onMainQueue(std::function<void()> block);
