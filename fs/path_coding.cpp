@@ -24,7 +24,10 @@ template<class Path>
 bool isExactly(const QVariant& object)
 {
     const JNPathPtr path = pathIn(object);
-    return path && typeid(*path) == typeid(Path);
+    if (!path)
+        return false;
+    const JNPath& found = *path;
+    return typeid(found) == typeid(Path);
 }
 
 template<class Path>
