@@ -57,6 +57,15 @@ qsizetype sequenceLength(QByteArrayView bytes, qsizetype start)
     return row->length;
 }
 
+/// The text of well-formed UTF-8. The toolkit swallows a byte order mark at the start; a name keeps it.
+QString textOfUTF8(QByteArrayView bytes)
+{
+    if (!bytes.startsWith("\xEF\xBB\xBF"))
+        return QString::fromUtf8(bytes);
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    return decoder.decode(bytes);
+}
+
 QString textOfMixedBytes(QByteArrayView bytes)
 {
     QString text;
@@ -68,11 +77,11 @@ QString textOfMixedBytes(QByteArrayView bytes)
             i += length;
             continue;
         }
-        text += QString::fromUtf8(bytes.sliced(wellFormedStart, i - wellFormedStart));
+        text += textOfUTF8(bytes.sliced(wellFormedStart, i - wellFormedStart));
         text += QChar(static_cast<char16_t>(0xDC00 + byteAt(bytes, i)));
         wellFormedStart = ++i;
     }
-    return text += QString::fromUtf8(bytes.sliced(wellFormedStart));
+    return text += textOfUTF8(bytes.sliced(wellFormedStart));
 }
 
 bool isByteSurrogate(QChar unit)
@@ -84,11 +93,7 @@ bool isByteSurrogate(QChar unit)
 
 QString textOfFileName(QByteArrayView bytes)
 {
-    // The toolkit swallows a byte order mark at the start; a name keeps it.
-    const bool mark = bytes.startsWith("\xEF\xBB\xBF");
-    if (!mark && bytes.isValidUtf8())
-        return QString::fromUtf8(bytes);
-    return mark ? QChar(QChar::ByteOrderMark) + textOfFileName(bytes.sliced(3)) : textOfMixedBytes(bytes);
+    return bytes.isValidUtf8() ? textOfUTF8(bytes) : textOfMixedBytes(bytes);
 }
 
 QByteArray bytesOfFileName(QStringView text)

@@ -40,6 +40,8 @@ const std::array kNameCases = {
     NameCase{"two_bytes", "\xC3\xA9", u"\u00E9"_qs},
     NameCase{"four_bytes", "\xF0\x9F\x98\x80", u"\U0001F600"_qs},
     NameCase{"byte_order_mark_at_the_start", "\xEF\xBB\xBFx", u"\uFEFFx"_qs},
+    NameCase{"two_byte_order_marks", "\xEF\xBB\xBF\xEF\xBB\xBF", u"\uFEFF\uFEFF"_qs},
+    NameCase{"byte_order_mark_between_bad_bytes", "\xD1\xEF\xBB\xBF\x96", lone({0xDCD1, 0xFEFF, 0xDC96})},
     NameCase{"latin1_byte", "bad\xFF.txt", u"bad"_qs + lone({0xDCFF}) + u".txt"_qs},
     NameCase{"lone_continuation", "\x80", lone({0xDC80})},
     NameCase{"truncated_sequence", "\xE2\x82", lone({0xDCE2, 0xDC82})},
@@ -53,6 +55,14 @@ const std::array kNameCases = {
 INSTANTIATE_TEST_SUITE_P(Cases, FileNames, ::testing::ValuesIn(kNameCases), [](const auto& each) {
     return std::string(each.param.label);
 });
+
+TEST(FileNames, OfAMillionByteOrderMarksSurviveTheWayToTextAndBack)
+{
+    const QByteArray marks = QByteArray("\xEF\xBB\xBF").repeated(1 << 20);
+
+    EXPECT_EQ(textOfFileName(marks), QString(1 << 20, QChar(QChar::ByteOrderMark)));
+    EXPECT_EQ(bytesOfFileName(textOfFileName(marks + '\xFF')), marks + '\xFF');
+}
 
 TEST(FileNames, OfAnyBytesSurviveTheWayToTextAndBack)
 {
@@ -69,8 +79,7 @@ TEST(FileNames, OfAnyBytesSurviveTheWayToTextAndBack)
 
 TEST(FileNames, ReplaceSurrogatesThatStandForNoByte)
 {
-    EXPECT_EQ(bytesOfFileName(lone({u'a', 0xD800, u'b'})),
-              "a?b");
+    EXPECT_EQ(bytesOfFileName(lone({u'a', 0xD800, u'b'})), "a?b");
 }
 
 } // namespace
