@@ -1,7 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "filters/filter_definition.h"
 
+#include "filters/filter_archiving.h"
+
 namespace havrel {
+namespace {
+
+// Here, because every program that has a definition has its base.
+[[maybe_unused]] const bool kRegistered = registerFilterDefinitions();
+
+} // namespace
 
 FilterDefinition::FilterDefinition(Decoder& /*decoder*/) {}
 

@@ -47,7 +47,8 @@ TYPED_TEST(FilterDefinitions, CopyToAFreshObjectOfTheirOwnClass)
     const auto copy = definition->copyWithZone();
 
     EXPECT_NE(copy, definition);
-    EXPECT_EQ(typeid(*copy), typeid(TypeParam));
+    const FilterDefinition& copied = *copy;
+    EXPECT_EQ(typeid(copied), typeid(TypeParam));
 }
 
 TYPED_TEST(FilterDefinitions, EqualOnlyThemselves)
