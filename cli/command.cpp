@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/command.h"
 
+#include "cli/output.h"
 #include "cli/printable_text.h"
 #include "cli/raw_arguments.h"
 
@@ -8,6 +9,7 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <iostream>
+#include <sstream>
 #include <vector>
 
 namespace havrel::cli {
@@ -102,7 +104,7 @@ void Command::section(const char* title)
 
 void Command::footer(const char* text)
 {
-    m_implementation.app.footer(std::string(text) + '\n');
+    m_implementation.app.footer(text);
 }
 
 void Command::action(std::function<ExitStatus()> action)
@@ -124,7 +126,7 @@ public:
         m_app.set_help_flag("-h,--help", "Show this help and exit");
         m_app.require_subcommand(1);
         m_app.footer("Exit status: 0 all good; 1 something failed, the rest was done; 2 wrong usage."
-                     "\n'havrel SUBCOMMAND --help' tells more.\n");
+                     "\n'havrel SUBCOMMAND --help' tells more.");
         for (const SubcommandGroup& each : groups)
             addGroup(each, subcommands);
     }
@@ -138,9 +140,10 @@ public:
                 deliver();
             return m_chosen->action();
         } catch (const CLI::Success& asked) { // help or version
-            m_app.exit(asked);
-            std::cout.flush();
-            return std::cout.good() ? ExitStatus::Done : ExitStatus::SomethingFailed;
+            std::ostringstream text;
+            m_app.exit(asked, text);
+            writeRecord(QByteArray::fromStdString(text.str()).trimmed());
+            return ExitStatus::Done;
         } catch (const CLI::ParseError& error) {
             return wrongUsage(error.what());
         } catch (const WrongUsage& error) {

@@ -36,7 +36,7 @@ ExitStatus show(const Options& options)
         if (const LogLineIdentPtr ident = LogLineIdent::logLineIdentifierFromString(platform::textOfFileName(text)))
             writeRecord(jsonOf(*ident));
         else
-            report.failure("\"" + text + "\"", QStringLiteral("the empty text is no identity"));
+            report.failure(text, QStringLiteral("the empty text is no identity"));
     }
     return report.status();
 }

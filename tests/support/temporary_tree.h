@@ -53,6 +53,12 @@ public:
             throw std::runtime_error("cannot make " + path.string());
     }
 
+    void write(std::string_view entry, std::string_view contents) const
+    {
+        if (!(std::ofstream(m_root / entry, std::ios::binary) << contents))
+            throw std::runtime_error("cannot write " + path(entry));
+    }
+
     void addLink(std::string_view entry, std::string_view target) const
     {
         std::filesystem::create_symlink(target, m_root / entry);
