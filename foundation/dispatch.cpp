@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 #include <QMetaObject>
+#include <QThread>
 #include <QThreadPool>
 
 #include <condition_variable>
@@ -21,8 +22,13 @@
 namespace havrel {
 namespace {
 
-thread_local const void* t_currentQueue = nullptr; // the state of the queue whose thread this is
 thread_local std::exception_ptr t_thrownOn;        // logged by the main queue, on its way to the wall
+
+bool isMainThread()
+{
+    const QCoreApplication* application = QCoreApplication::instance();
+    return application && application->thread() == QThread::currentThread();
+}
 
 void logEscapingException()
 {
@@ -69,7 +75,7 @@ void onGlobalQueue(std::function<void()> block)
     QThreadPool::globalInstance()->start([block = std::move(block)] { runAtWall(block); });
 }
 
-struct SerialQueue::State
+struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State>
 {
     explicit State(const QString& queueName)
         : name(queueName)
@@ -78,6 +84,9 @@ struct SerialQueue::State
 
     void run();
     void startThreadLocked();
+    [[nodiscard]] bool async(std::function<void()> block);
+
+    static thread_local State* t_current; // of the queue whose thread this is
 
     const QString name;
     std::mutex lock;
@@ -89,9 +98,11 @@ struct SerialQueue::State
     std::thread thread;                         // guarded by lock until ending
 };
 
+thread_local SerialQueue::State* SerialQueue::State::t_current = nullptr;
+
 void SerialQueue::State::run()
 {
-    t_currentQueue = this;
+    t_current = this;
     ::pthread_setname_np(::pthread_self(), platform::bytesOfFileName(name).left(15).constData());
     std::vector<std::function<void()>> batch;
     std::unique_lock guard(lock);
@@ -119,8 +130,25 @@ void SerialQueue::State::startThreadLocked()
         thread = std::thread([this] { run(); });
 }
 
+bool SerialQueue::State::async(std::function<void()> block)
+{
+    bool wake = false;
+    {
+        const std::lock_guard guard(lock);
+        if (ending && t_current != this)
+            return false;
+        if (!ending)
+            startThreadLocked();
+        waiting.push_back(std::move(block));
+        wake = std::exchange(idle, false);
+    }
+    if (wake)
+        arrived.notify_one();
+    return true;
+}
+
 SerialQueue::SerialQueue(const QString& name)
-    : m_state(std::make_unique<State>(name))
+    : m_state(std::make_shared<State>(name))
 {
 }
 
@@ -144,20 +172,12 @@ QString SerialQueue::name() const
 
 bool SerialQueue::isCurrent() const noexcept
 {
-    return t_currentQueue == m_state.get();
+    return State::t_current == m_state.get();
 }
 
 void SerialQueue::async(std::function<void()> block)
 {
-    bool wake = false;
-    {
-        const std::lock_guard guard(m_state->lock);
-        m_state->startThreadLocked();
-        m_state->waiting.push_back(std::move(block));
-        wake = std::exchange(m_state->idle, false);
-    }
-    if (wake)
-        m_state->arrived.notify_one();
+    (void)m_state->async(std::move(block));
 }
 
 void SerialQueue::sync(const std::function<void()>& block)
@@ -170,7 +190,7 @@ void SerialQueue::sync(const std::function<void()>& block)
     std::condition_variable done;
     bool finished = false;
     std::exception_ptr thrown;
-    async([&] {
+    const bool queued = m_state->async([&] {
         try {
             block();
         } catch (...) {
@@ -180,6 +200,8 @@ void SerialQueue::sync(const std::function<void()>& block)
         finished = true;
         done.notify_one();
     });
+    if (!queued)
+        return;
     std::unique_lock guard(lock);
     done.wait(guard, [&finished] { return finished; });
     if (thrown)
@@ -189,6 +211,36 @@ void SerialQueue::sync(const std::function<void()>& block)
 void SerialQueue::barrier()
 {
     sync([] {});
+}
+
+QueueReference QueueReference::current()
+{
+    QueueReference result;
+    if (SerialQueue::State* const serial = SerialQueue::State::t_current) {
+        result.m_kind = Kind::Serial;
+        result.m_serial = serial->weak_from_this();
+    } else if (isMainThread()) {
+        result.m_kind = Kind::Main;
+    }
+    return result;
+}
+
+bool QueueReference::isCurrent() const noexcept
+{
+    if (m_kind == Kind::Main)
+        return isMainThread();
+    const auto serial = m_serial.lock();
+    return serial && serial.get() == SerialQueue::State::t_current;
+}
+
+bool QueueReference::async(std::function<void()> block) const
+{
+    if (m_kind == Kind::Main && QCoreApplication::instance()) {
+        onMainQueue(std::move(block));
+        return true;
+    }
+    const auto serial = m_serial.lock();
+    return serial && serial->async(std::move(block));
 }
 
 } // namespace havrel

@@ -47,7 +47,8 @@ public:
     [[nodiscard]] QString name() const;
     /// Whether the calling code runs on this queue.
     [[nodiscard]] bool isCurrent() const noexcept;
-    /// Queues \p block and returns at once.
+    /// Queues \p block and returns at once. While the queue ends, only its own blocks still get blocks queued; others
+    /// are dropped.
     void async(std::function<void()> block);
     /// Runs \p block after everything queued before and waits for it; on the queue itself it runs at once.
     /// What the block throws comes out here.
@@ -56,8 +57,36 @@ public:
     void barrier();
 
 private:
+    friend class QueueReference;
+
     struct State;
-    std::unique_ptr<State> m_state;
+    std::shared_ptr<State> m_state;
+};
+
+/// The queue on which some code ran, kept to come back to it. Does not keep a serial queue from ending.
+///
+/// Threads: any thread.
+class QueueReference
+{
+public:
+    /// No queue.
+    QueueReference() = default;
+    /// The serial queue whose block is running, else the main queue on the thread of the core application object, else
+    /// none.
+    [[nodiscard]] static QueueReference current();
+
+    [[nodiscard]] bool isNone() const noexcept { return m_kind == Kind::None; }
+    /// Whether the calling code runs on it.
+    [[nodiscard]] bool isCurrent() const noexcept;
+    /// Queues \p block there and returns at once.
+    /// \return false when there is no queue, or none any more; the block is then dropped.
+    [[nodiscard]] bool async(std::function<void()> block) const;
+
+private:
+    enum class Kind { None, Main, Serial };
+
+    Kind m_kind = Kind::None;
+    std::weak_ptr<SerialQueue::State> m_serial;
 };
 
 } // namespace havrel
