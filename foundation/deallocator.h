@@ -42,9 +42,9 @@ private:
 };
 
 /// Has \p callback run when \p object dies: at the end of its destruction, when only its base is left. An empty one is
-/// ignored.
+/// ignored. Synchronised on the object, which must not be dying meanwhile.
 ///
-/// Threads: any thread; synchronised on the object, which must not be dying meanwhile.
+/// Threads: any thread.
 /// \selector mtk_addDeallocationCallback:
 void mtk_addDeallocationCallback(QObject& object, // NOLINT(readability-identifier-naming): the operation's own name
                                  MTKDeallocator::Callback callback);

@@ -15,7 +15,7 @@ class ObservationHub;
 /// Turns a property's NOTIFY signal, which only says that something changed, into reports with the old and the new
 /// value. A signal that comes without a change is not passed on.
 ///
-/// Threads: one thread at a time, that of the object.
+/// Threads: one thread at a time.
 class NotifyRelay : public QObject
 {
     Q_OBJECT

@@ -4,6 +4,7 @@
 #include "diagnostics/exception.h"
 #include "foundation/deallocator.h"
 #include "foundation/dispatch.h"
+#include "foundation/notification_center.h"
 #include "foundation/notify_relay.h"
 #include "foundation/observable.h"
 #include "foundation/observer.h"
@@ -239,6 +240,30 @@ void ObservationHub::own(std::shared_ptr<MTKObserver> observer)
 void ObservationHub::disown(const MTKObserver& observer)
 {
     std::erase_if(m_owned, [&observer](const auto& each) { return each.get() == &observer; });
+}
+
+void ObservationHub::own(NotificationRegistration registration)
+{
+    std::erase_if(m_registrations, [](const auto& each) { return !each.isActive(); });
+    m_registrations.push_back(std::move(registration));
+}
+
+std::vector<NotificationRegistration> ObservationHub::takeNotificationRegistrations(const QObject* sender)
+{
+    std::vector<NotificationRegistration> left;
+    std::vector<NotificationRegistration> taken;
+    for (NotificationRegistration& each : m_registrations)
+        (sender && !each.isAbout(*sender) ? left : taken).push_back(std::move(each));
+    m_registrations.swap(left);
+    return taken;
+}
+
+void ObservationHub::internalRemoveAllObservations()
+{
+    const auto registrations = takeNotificationRegistrations(); // what all these hold goes last: it may be the object
+    const auto all = observers();
+    for (const auto& observer : all)
+        observer->detach();
 }
 
 } // namespace havrel

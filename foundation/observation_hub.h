@@ -11,12 +11,13 @@ class QObject;
 namespace havrel {
 
 class MTKDeallocator;
+class NotificationRegistration;
 class NotifyRelay;
 
 /// What observation keeps for one object, as a target and as an owner. Made with the first need, gone with the object;
-/// an object that takes no part in observation has none.
+/// an object that takes no part in observation has none. Finding and making one may be done on any thread.
 ///
-/// Threads: `of`, `find` and `deallocator` any thread; the rest one thread at a time, that of the object.
+/// Threads: one thread at a time.
 class ObservationHub
 {
 public:
@@ -48,13 +49,24 @@ public:
     void remove(const PropertyWatcher& watcher);
     /// The observer of \p keyPath for \p owner, or null.
     [[nodiscard]] std::shared_ptr<MTKObserver> observer(KeyPath keyPath, const QObject* owner) const;
-    /// A copy, so that they may be ended one by one.
+    /// A copy, so that they may be ended one by one. \selector mtk_keyPathBlockObservers
     [[nodiscard]] std::vector<std::shared_ptr<MTKObserver>> observers() const;
 
     /// Observers of other objects that end with this one.
     void own(std::shared_ptr<MTKObserver> observer);
     void disown(const MTKObserver& observer);
     [[nodiscard]] std::vector<std::shared_ptr<MTKObserver>> ownedObservers() const { return m_owned; }
+    /// A notification registration that ends with this one.
+    void own(NotificationRegistration registration);
+    /// The owner's notification registrations, or only those about \p sender, which end when the result goes.
+    ///
+    /// \selector mtk_notificationBlockObservers
+    [[nodiscard]] std::vector<NotificationRegistration> takeNotificationRegistrations(const QObject* sender = nullptr);
+
+    /// Detaches every observer of the object and ends its notification registrations.
+    ///
+    /// \selector internalRemoveAllObservations
+    void internalRemoveAllObservations();
 
 private:
     class Reporting;
@@ -69,6 +81,7 @@ private:
     std::unique_ptr<MTKDeallocator> m_deallocator;
     std::vector<std::unique_ptr<NotifyRelay>> m_relays; // one for each observed property that tells by a signal
     std::vector<std::shared_ptr<MTKObserver>> m_owned;
+    std::vector<NotificationRegistration> m_registrations;
 };
 
 } // namespace havrel

@@ -15,6 +15,8 @@ namespace {
 template<class Block>
 void append(std::forward_list<Block>& blocks, Block block)
 {
+    if (!block)
+        return;
     auto last = blocks.before_begin();
     while (std::next(last) != blocks.end())
         ++last;

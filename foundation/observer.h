@@ -58,6 +58,25 @@ public:
     [[nodiscard]] QObject* owner() const noexcept { return m_owner; }   ///< null when it is gone. \selector owner
     [[nodiscard]] bool attached() const noexcept { return m_attached; } ///< \selector attached
 
+    // The blocks of each kind in the order in which they were added.
+    [[nodiscard]] const std::forward_list<SettingBlock>& afterSettingBlocks() const noexcept
+    {
+        return m_afterSettingBlocks;
+    }
+    [[nodiscard]] const std::forward_list<InsertionBlock>& afterInsertionBlocks() const noexcept
+    {
+        return m_afterInsertionBlocks;
+    }
+    [[nodiscard]] const std::forward_list<RemovalBlock>& afterRemovalBlocks() const noexcept
+    {
+        return m_afterRemovalBlocks;
+    }
+    [[nodiscard]] const std::forward_list<ReplacementBlock>& afterReplacementBlocks() const noexcept
+    {
+        return m_afterReplacementBlocks;
+    }
+
+    // Empty blocks are ignored.
     void addSettingObservationBlock(SettingBlock block);         ///< \selector addSettingObservationBlock:
     void addInsertionObservationBlock(InsertionBlock block);     ///< \selector addInsertionObservationBlock:
     void addRemovalObservationBlock(RemovalBlock block);         ///< \selector addRemovalObservationBlock:

@@ -14,6 +14,14 @@ QVariant valueOf(const QObject& object, KeyPath name)
     return nilIfNull(propertyNamed(object, name).read(&object));
 }
 
+bool isNull(const QVariant& value)
+{
+    if (value.typeId() == QMetaType::QString)
+        return static_cast<const QString*>(value.constData())->isNull();
+    const bool isPointerObject = value.typeId() >= QMetaType::User && value.canConvert<QObject*>();
+    return isPointerObject ? !objectIn(value) : value.isNull();
+}
+
 } // namespace
 
 HVException propertyBug(const QString& reason, const QObject& object, KeyPath name)
@@ -26,7 +34,8 @@ HVException propertyBug(const QString& reason, const QObject& object, KeyPath na
 QMetaProperty propertyNamed(const QObject& object, KeyPath name)
 {
     const QMetaObject* type = object.metaObject();
-    const int index = type->indexOfProperty(name.chars().data());
+    const bool holdsNul = name.chars().find('\0') != std::string_view::npos; // the toolkit would stop reading there
+    const int index = holdsNul ? -1 : type->indexOfProperty(name.chars().data());
     if (index < 0)
         propertyBug(QStringLiteral("unknown property"), object, name).raise();
     return type->property(index);
@@ -41,9 +50,7 @@ QObject* objectIn(const QVariant& value)
 
 QVariant nilIfNull(QVariant value)
 {
-    const bool isNull = value.typeId() == QMetaType::QString ? static_cast<const QString*>(value.constData())->isNull()
-                                                             : value.isNull();
-    return isNull ? QVariant() : std::move(value);
+    return isNull(value) ? QVariant() : std::move(value);
 }
 
 QVariant valueAtKeyPath(const QObject& object, KeyPath keyPath)

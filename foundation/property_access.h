@@ -26,14 +26,14 @@ class HVException;
 /// The value at the end of the path: nil when an object on the way is nil or no object. Null objects, null texts and
 /// null pointers are nil.
 ///
-/// Threads: those of the getters.
+/// Threads: one thread at a time.
 /// \throws HVException "Bug" "unknown property" for a name that the object at its place does not know.
 [[nodiscard]] QVariant valueAtKeyPath(const QObject& object, KeyPath keyPath);
 
 /// Sets the property at the end of the path; nothing when an object on the way is nil. nil resets the property, or
 /// makes it its type's default where it cannot be reset.
 ///
-/// Threads: those of the setters.
+/// Threads: one thread at a time.
 /// \throws HVException "Bug" "unknown property" as above; "cannot set property" (details "Class", "Property",
 ///         "Object": the value) for a property that cannot be written or a value that does not convert to its type.
 void setValueAtKeyPath(QObject& object, KeyPath keyPath, const QVariant& value);

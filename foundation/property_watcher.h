@@ -12,7 +12,7 @@ class MTKObserver;
 
 /// Whoever wants to hear from one object about one of its properties.
 ///
-/// Threads: one thread at a time, that of the object.
+/// Threads: one thread at a time.
 class PropertyWatcher : public std::enable_shared_from_this<PropertyWatcher>
 {
 public:

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/deallocator.h"
+
+#include "tests/foundation/observed_book.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <thread>
+
+namespace havrel {
+namespace {
+
+TEST(MTKDeallocator, RunsEachCallbackOnceInOrderWithTheOwner)
+{
+    QObject owner;
+    MTKDeallocator deallocator(&owner);
+    std::vector<std::pair<int, QObject*>> calls;
+    deallocator.addCallback([&calls](QObject* of) { calls.emplace_back(1, of); });
+    deallocator.addCallback(nullptr);
+    deallocator.addCallback([&calls](QObject* of) { calls.emplace_back(2, of); });
+
+    deallocator.invokeCallbacks();
+    deallocator.invokeCallbacks();
+
+    EXPECT_EQ(calls, (std::vector<std::pair<int, QObject*>>{{1, &owner}, {2, &owner}}));
+}
+
+TEST(MTKDeallocator, RunsWhatIsLeftWhenItGoesItself)
+{
+    int calls = 0;
+    {
+        MTKDeallocator deallocator(nullptr);
+        deallocator.addCallback([&calls](QObject*) { ++calls; });
+    }
+
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(MTKDeallocator, EmptiesTheListBeforeTheCallbacksRun)
+{
+    MTKDeallocator deallocator(nullptr);
+    int calls = 0;
+    deallocator.addCallback([&](QObject*) {
+        ++calls;
+        deallocator.invokeCallbacks();
+    });
+
+    deallocator.invokeCallbacks();
+
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(MTKDeallocator, GoesOnAfterACallbackThatThrows)
+{
+    MTKDeallocator deallocator(nullptr);
+    int calls = 0;
+    deallocator.addCallback([](QObject*) { throw std::runtime_error("refused"); });
+    deallocator.addCallback([&calls](QObject*) { ++calls; });
+
+    EXPECT_NO_THROW(deallocator.invokeCallbacks());
+
+    EXPECT_EQ(calls, 1);
+}
+
+template<class Object>
+class DeallocationCallbacks : public ::testing::Test
+{
+};
+
+using Objects = ::testing::Types<ObservedBook, QObject>;
+TYPED_TEST_SUITE(DeallocationCallbacks, Objects);
+
+TYPED_TEST(DeallocationCallbacks, RunWhenTheObjectDies)
+{
+    auto object = std::make_unique<TypeParam>();
+    const QObject* const address = object.get();
+    std::vector<QObject*> dead;
+    mtk_addDeallocationCallback(*object, [&dead](QObject* dying) { dead.push_back(dying); });
+    mtk_addDeallocationCallback(*object, nullptr);
+    mtk_addDeallocationCallback(*object, [&dead](QObject* dying) { dead.push_back(dying); });
+    EXPECT_TRUE(dead.empty());
+
+    object.reset();
+
+    ASSERT_EQ(dead.size(), 2U);
+    EXPECT_EQ(dead[0], address);
+    EXPECT_EQ(dead[1], address);
+}
+
+TYPED_TEST(DeallocationCallbacks, AreAskedForOnceHoweverOftenOneAsks)
+{
+    auto object = std::make_unique<TypeParam>();
+    int calls = 0;
+    swizzleDeallocIfNeeded(*object);
+    mtk_addDeallocationCallback(*object, [&calls](QObject*) { ++calls; });
+    swizzleDeallocIfNeeded(*object);
+
+    object.reset();
+
+    EXPECT_EQ(calls, 1);
+}
+
+TYPED_TEST(DeallocationCallbacks, MayBeAddedFromSeveralThreads)
+{
+    constexpr int kThreads = 4;
+    constexpr int kEach = 200;
+    std::atomic<int> calls = 0;
+    {
+        TypeParam object;
+        std::vector<std::thread> threads;
+        for (int i = 0; i < kThreads; ++i)
+            threads.emplace_back([&] {
+                for (int j = 0; j < kEach; ++j)
+                    mtk_addDeallocationCallback(object, [&calls](QObject*) { ++calls; });
+            });
+        for (std::thread& thread : threads)
+            thread.join();
+    }
+
+    EXPECT_EQ(calls, kThreads * kEach);
+}
+
+TYPED_TEST(DeallocationCallbacks, DoNotReachALaterObjectAtTheSameAddress)
+{
+    alignas(TypeParam) std::array<std::byte, sizeof(TypeParam)> place;
+    int calls = 0;
+    auto* first = new (place.data()) TypeParam;
+    mtk_addDeallocationCallback(*first, [&calls](QObject*) { ++calls; });
+    first->~TypeParam();
+    auto* second = new (place.data()) TypeParam;
+    second->~TypeParam();
+
+    EXPECT_EQ(calls, 1);
+}
+
+} // namespace
+} // namespace havrel
