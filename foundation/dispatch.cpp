@@ -22,7 +22,7 @@
 namespace havrel {
 namespace {
 
-thread_local std::exception_ptr t_thrownOn;        // logged by the main queue, on its way to the wall
+thread_local std::exception_ptr t_thrownOn; // logged by the main queue, on its way to the wall
 
 bool isMainThread()
 {
