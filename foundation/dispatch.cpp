@@ -70,9 +70,17 @@ void endAtMainQueueWall()
         Logr::logException(Exception::fromCurrent());
 }
 
+QThreadPool& globalQueuePool()
+{
+    if (QThreadPool* const toolkits = QThreadPool::globalInstance())
+        return *toolkits;
+    static QThreadPool* const s_own = std::make_unique<QThreadPool>().release(); // never destroyed: blocks may run
+    return *s_own;
+}
+
 void onGlobalQueue(std::function<void()> block)
 {
-    QThreadPool::globalInstance()->start([block = std::move(block)] { runAtWall(block); });
+    globalQueuePool().start([block = std::move(block)] { runAtWall(block); });
 }
 
 struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State>

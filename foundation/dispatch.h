@@ -6,6 +6,8 @@
 #include <functional>
 #include <memory>
 
+class QThreadPool;
+
 namespace havrel {
 
 /// Queues \p block on the main thread's event loop: never run at once, even on the main thread. There is no main queue
@@ -20,6 +22,12 @@ void onMainQueue(std::function<void()> block);
 ///
 /// Threads: any thread.
 void onGlobalQueue(std::function<void()> block);
+
+/// The threads behind onGlobalQueue: the toolkit's, or ours once the toolkit has given its own up with the application
+/// object.
+///
+/// Threads: any thread.
+[[nodiscard]] QThreadPool& globalQueuePool();
 
 /// Runs \p block now. An exception that leaves it is logged at Debug and ends here: for code that may not throw.
 ///

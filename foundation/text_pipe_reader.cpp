@@ -24,15 +24,15 @@ class ReleasedPoolThread
 {
 public:
     ReleasedPoolThread()
-        : m_released(QThreadPool::globalInstance()->contains(QThread::currentThread()))
+        : m_released(globalQueuePool().contains(QThread::currentThread()))
     {
         if (m_released)
-            QThreadPool::globalInstance()->releaseThread();
+            globalQueuePool().releaseThread();
     }
     ~ReleasedPoolThread()
     {
         if (m_released)
-            QThreadPool::globalInstance()->reserveThread();
+            globalQueuePool().reserveThread();
     }
     ReleasedPoolThread(const ReleasedPoolThread&) = delete;
     ReleasedPoolThread& operator=(const ReleasedPoolThread&) = delete;

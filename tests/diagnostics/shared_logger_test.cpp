@@ -227,7 +227,7 @@ TEST_F(SharedLoggerTest, CanBeClosedOnTheWriterQueueEvenAsTheLastHolder)
     shared.set(std::make_shared<FailingLogr>(shared, gone));
     shared.get()->writeLine(LogClassification::Plain, nullptr, QStringLiteral("line"));
     EXPECT_EQ(gone.get_future().wait_for(std::chrono::seconds(30)), std::future_status::ready);
-    QThreadPool::globalInstance()->waitForDone();
+    globalQueuePool().waitForDone();
 }
 
 TEST(LoggerRegistry, KnowsTheFallbacksOfTheProcess)

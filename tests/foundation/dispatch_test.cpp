@@ -182,7 +182,7 @@ TEST_F(GlobalQueue, RunsBlocksOnOtherThreads)
     onGlobalQueue([&] { ranOn.set_value(QThread::currentThread()); });
 
     EXPECT_NE(ranOn.get_future().get(), QThread::currentThread());
-    QThreadPool::globalInstance()->waitForDone();
+    globalQueuePool().waitForDone();
 }
 
 TEST_F(GlobalQueue, LogsWhatLeavesABlockAndGoesOn)
@@ -193,9 +193,24 @@ TEST_F(GlobalQueue, LogsWhatLeavesABlockAndGoesOn)
     onGlobalQueue([&] { wentOn.set_value(true); });
 
     EXPECT_TRUE(wentOn.get_future().get());
-    QThreadPool::globalInstance()->waitForDone();
+    globalQueuePool().waitForDone();
     EXPECT_EQ(timesInLog(QStringLiteral("#debug# disk on fire [")), 1) << log().toStdString();
     EXPECT_EQ(timesInLog(QStringLiteral("#debug# foreign fire [")), 1) << log().toStdString();
+}
+
+TEST(GlobalQueueAfterTheApplication, StillRunsBlocks)
+{
+    {
+        int argumentCount = 1;
+        std::array<char, 5> name{"test"};
+        std::array<char*, 2> arguments{name.data(), nullptr};
+        const CoreApplication application(argumentCount, arguments.data());
+    }
+    std::promise<void> ran;
+    onGlobalQueue([&ran] { ran.set_value(); });
+
+    EXPECT_EQ(ran.get_future().wait_for(std::chrono::minutes(1)), std::future_status::ready);
+    globalQueuePool().waitForDone();
 }
 
 using SerialQueueOnALog = OnApplication<CoreApplication>;

@@ -162,7 +162,7 @@ TEST(TextPipeReader, WaitsForTheEndOfTheText)
 
 TEST(TextPipeReader, IsWaitedForOnAPoolThatHasNoThreadLeft)
 {
-    QThreadPool* const pool = QThreadPool::globalInstance();
+    QThreadPool* const pool = &globalQueuePool();
     pool->waitForDone();
     const int before = pool->maxThreadCount();
     pool->setMaxThreadCount(1);
@@ -230,7 +230,7 @@ TEST(TextPipeReader, MayGoWhileItIsStillReading)
         (void)reader.pipe();
     }
     // The reading saw the end of its pipe, because nobody holds the write end any more.
-    EXPECT_TRUE(QThreadPool::globalInstance()->waitForDone(60000));
+    EXPECT_TRUE(globalQueuePool().waitForDone(60000));
 }
 
 } // namespace
