@@ -4,6 +4,7 @@
 #include "platform/item_calls.h"
 #include "platform/item_place.h"
 #include "platform/item_removal.h"
+#include "platform/items.h"
 #include "platform/tree_copy.h"
 
 #include <cerrno>
@@ -37,6 +38,14 @@ int flushVolume(const ItemPlace& place)
         return itemCalls().syncfs(folder.get()) == 0 ? 0 : errno;
     ::sync(); // a folder that may not be read
     return 0;
+}
+
+/// Whether an item can be removed from its folder at all: nothing is mounted on it, and the folder takes changes.
+int refuseToRemove(const ItemPlace& place)
+{
+    if (isMountPoint(place.folder(), place.name()))
+        return EBUSY;
+    return ::faccessat(place.folder(), ".", W_OK | X_OK, AT_EACCESS) == 0 ? 0 : errno;
 }
 
 } // namespace
@@ -77,10 +86,13 @@ AttributeOutcome copyItem(const ItemPlace& from, const ItemPlace& to, AttributeL
 
 int moveAcross(const ItemPlace& from, const ItemPlace& to)
 {
-    if (const int error = refuseToCopy(from, to); error != 0)
+    int error = refuseToCopy(from, to);
+    if (error == 0)
+        error = refuseToRemove(from);
+    if (error != 0)
         return error;
     TreeCopy copy(to, AttributeLoss::Refused);
-    int error = copy.copy(from).error;
+    error = copy.copy(from).error;
     if (error == 0)
         error = flushVolume(to);
     if (error != 0) {

@@ -32,6 +32,8 @@ class ItemPlace;
 /// Moves an item to another file system: copies it, sees to it that the copy is on the disk, and removes the original.
 /// Attributes that the other file system does not keep are refused (ENOTSUP).
 ///
+/// An original that is a mount point or lies in a folder that takes no changes is refused before anything is copied.
+///
 /// \return 0 or an errno value. The original is then untouched and the copy gone; only when the original could not be
 ///         removed, the copy stays beside what is left of it.
 ///

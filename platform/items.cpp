@@ -133,6 +133,11 @@ bool isMountPoint(const QByteArray& path)
     return namesAnItem(path) && isMountRoot(AT_FDCWD, path.constData(), AT_SYMLINK_NOFOLLOW);
 }
 
+bool isMountPoint(int parent, const char* name)
+{
+    return isMountRoot(parent, name, AT_SYMLINK_NOFOLLOW);
+}
+
 bool isMountPoint(int folder)
 {
     return isMountRoot(folder, "", AT_EMPTY_PATH);

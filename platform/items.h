@@ -43,6 +43,7 @@ namespace havrel::platform {
 /// \source statx(2), STATX_ATTR_MOUNT_ROOT
 [[nodiscard]] bool isMountPoint(const QByteArray& path);
 [[nodiscard]] bool isMountPoint(int folder);
+[[nodiscard]] bool isMountPoint(int parent, const char* name);
 
 /// What limits a path's file system names, as pathconf(3) does. -1: an error or no limit.
 enum class PathLimit { MinTransferSize, MaxTransferSize, FileSizeBits };

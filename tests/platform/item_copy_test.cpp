@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <filesystem>
 
+#include <sys/mount.h>
 #include <sys/sysmacros.h>
 
 namespace havrel::platform {
@@ -637,6 +638,36 @@ TEST(ItemCopy, MovesNothingThatWouldLoseAttributes)
     calls->setxattr = failing(ENOTSUP);
     EXPECT_EQ(moveAcross(places.from, places.to), ENOTSUP);
     EXPECT_EQ(namesBelow(tree.root()), std::vector<std::string>{"file"});
+}
+
+TEST(ItemCopy, CopiesNothingThatCouldNotBeRemovedThen)
+{
+    const TemporaryTree tree;
+    const OrdinaryUser user(tree.root());
+    tree.add("closed/file");
+    files::permissions(tree.path("closed"), files::perms::owner_read | files::perms::owner_exec);
+    Places places(tree, "closed/file", "moved");
+    ReplacedItemCalls calls;
+    int made = 0;
+    calls->openat = [&made](int folder, const char* name, int flags, mode_t mode) {
+        made += (flags & O_CREAT) != 0;
+        return systemItemCalls().openat(folder, name, flags, mode);
+    };
+    EXPECT_EQ(moveAcross(places.from, places.to), EACCES);
+    EXPECT_EQ(made, 0);
+    files::permissions(tree.path("closed"), files::perms::owner_all);
+}
+
+TEST(ItemCopy, MovesNoMountPoint)
+{
+    const TemporaryTree tree({"mounted/"});
+    if (::mount("none", tree.path("mounted").c_str(), "tmpfs", 0, "size=64k") != 0)
+        GTEST_SKIP() << "this process may not mount";
+    write(tree.path("mounted/file"), "x");
+    Places places(tree, "mounted", "moved");
+    EXPECT_EQ(moveAcross(places.from, places.to), EBUSY);
+    EXPECT_FALSE(nameExists(tree.path("moved")));
+    EXPECT_EQ(::umount(tree.path("mounted").c_str()), 0);
 }
 
 TEST(ItemCopy, RemovesNothingThatCameWhileItWasMoved)
