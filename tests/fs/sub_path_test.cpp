@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <vector>
+
+#include <malloc.h>
 
 namespace havrel {
 namespace {
@@ -51,6 +54,32 @@ TEST(JNSubPath, CopiesToASubPathOfTheSameParent)
     EXPECT_EQ(same->cPath(), QByteArray("/x/a"));
     EXPECT_EQ(same->cName(), QByteArray("a"));
     EXPECT_EQ(JNPath::withPathObject(*fresh)->className(), QStringLiteral("JNPath"));
+}
+
+/// Bytes that this thread's program has allocated.
+std::size_t allocatedBytes()
+{
+    return ::mallinfo2().uordblks;
+}
+
+TEST(JNSubPath, CostsItsNameAndNotItsWholePathUntilAsked)
+{
+    constexpr std::size_t kPaths = 1000;
+    constexpr std::size_t kMostBytes = 450; // for one object beside its path
+    const QByteArray longPath = "/" + QByteArray(4000, 'x');
+    const auto folder = JNPath::withCPath(longPath);
+    std::vector<JNPathPtr> paths;
+    paths.reserve(kPaths);
+    std::size_t before = allocatedBytes();
+    for (std::size_t i = 0; i < kPaths; ++i)
+        paths.push_back(JNSubPath::withCName(QByteArray::number(i), folder));
+    EXPECT_LT(allocatedBytes() - before, kPaths * kMostBytes);
+
+    paths.clear();
+    before = allocatedBytes();
+    for (std::size_t i = 0; i < kPaths; ++i)
+        paths.push_back(JNPath::assumingName("x", longPath)); // shares the bytes, makes no text
+    EXPECT_LT(allocatedBytes() - before, kPaths * kMostBytes);
 }
 
 TEST(JNSubPath, GivesOneAnswerToManyThreads)
