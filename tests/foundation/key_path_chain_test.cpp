@@ -17,10 +17,10 @@ constexpr auto kLater = ObservationOptions::NoInitialCall;
 
 TEST(KeyPathChain, BringsChangesOfTheLastObject)
 {
+    ObservationJournal journal;
     ObservedBook book;
     ObservedBook sequel;
     book.setSequel(&sequel);
-    ObservationJournal journal;
     observeProperty(book, "sequel.pages", journal.block());
 
     sequel.setPages(5);
@@ -31,10 +31,10 @@ TEST(KeyPathChain, BringsChangesOfTheLastObject)
 
 TEST(KeyPathChain, BringsEditsOfTheLastObjectByKind)
 {
+    ObservationJournal journal;
     ObservedBook book;
     ObservedBook sequel;
     book.setSequel(&sequel);
-    ObservationJournal journal;
     observeRelationship(
         book, "sequel.marks", kLater, {.change = journal.block(), .insertion = journal.insertionBlock()});
 
@@ -46,13 +46,13 @@ TEST(KeyPathChain, BringsEditsOfTheLastObjectByKind)
 
 TEST(KeyPathChain, FollowsAnObjectOnTheWayThatIsReplaced)
 {
+    ObservationJournal journal;
     ObservedBook book;
     ObservedBook first;
     ObservedBook second;
     first.setPages(1);
     second.setPages(2);
     book.setSequel(&first);
-    ObservationJournal journal;
     observeProperty(book, "sequel.pages", kLater, journal.block());
 
     book.setSequel(&second);
@@ -67,11 +67,11 @@ TEST(KeyPathChain, FollowsAnObjectOnTheWayThatIsReplaced)
 
 TEST(KeyPathChain, IsSilentWhenTheReplacementLeadsToAnEqualValue)
 {
+    ObservationJournal journal;
     ObservedBook book;
     ObservedBook first;
     ObservedBook second;
     book.setSequel(&first);
-    ObservationJournal journal;
     observeProperty(book, "sequel.pages", kLater, journal.block());
 
     book.setSequel(&second);
@@ -81,12 +81,12 @@ TEST(KeyPathChain, IsSilentWhenTheReplacementLeadsToAnEqualValue)
 
 TEST(KeyPathChain, TakesTheValueForNilWhenAnObjectOnTheWayDies)
 {
+    ObservationJournal journal;
     ObservedBook book;
     ObservedBook next;
     auto sequel = std::make_unique<ObservedBook>();
     sequel->setPages(3);
     book.setSequel(sequel.get());
-    ObservationJournal journal;
     observeProperty(book, "sequel.pages", kLater, journal.block());
 
     sequel.reset(); // the property still holds its address
@@ -100,10 +100,10 @@ TEST(KeyPathChain, TakesTheValueForNilWhenAnObjectOnTheWayDies)
 
 TEST(KeyPathChain, AnswersALaterBlockWithoutLookingAtTheDeadObject)
 {
+    ObservationJournal journal;
     ObservedBook book;
     auto sequel = std::make_unique<ObservedBook>();
     book.setSequel(sequel.get());
-    ObservationJournal journal;
     observeProperty(book, "sequel.pages", kLater, [](auto&&...) {});
     sequel.reset();
 
@@ -114,12 +114,12 @@ TEST(KeyPathChain, AnswersALaterBlockWithoutLookingAtTheDeadObject)
 
 TEST(KeyPathChain, GoesOverSeveralObjects)
 {
+    ObservationJournal journal;
     ObservedBook book;
     ObservedBook second;
     ObservedBook third;
     book.setSequel(&second);
     second.setSequel(&third);
-    ObservationJournal journal;
     observeProperty(book, "sequel.sequel.title", kLater, journal.block());
 
     third.setTitle(QStringLiteral("End"));
@@ -133,9 +133,9 @@ TEST(KeyPathChain, GoesOverSeveralObjects)
 
 TEST(KeyPathChain, MayMeetTheSameObjectTwice)
 {
+    ObservationJournal journal;
     ObservedBook book;
     book.setSequel(&book);
-    ObservationJournal journal;
     observeProperty(book, "sequel.sequel.pages", kLater, journal.block());
 
     book.setPages(4);
@@ -146,10 +146,10 @@ TEST(KeyPathChain, MayMeetTheSameObjectTwice)
 
 TEST(KeyPathChain, LeadsThroughSharedObjects)
 {
+    ObservationJournal journal;
     ObservedBook book;
     auto prequel = std::make_shared<ObservedBook>();
     book.setPrequel(prequel);
-    ObservationJournal journal;
     observeProperty(book, "prequel.pages", journal.block());
 
     prequel->setPages(1);
@@ -162,9 +162,9 @@ TEST(KeyPathChain, LeadsThroughSharedObjects)
 
 TEST(KeyPathChain, LeadsThroughValuesOfNoFixedType)
 {
+    ObservationJournal journal;
     ObservedBook book;
     ObservedBook other;
-    ObservationJournal journal;
     observeProperty(book, "note.pages", journal.block());
 
     book.setNote(QVariant::fromValue(&other));
@@ -177,13 +177,13 @@ TEST(KeyPathChain, LeadsThroughValuesOfNoFixedType)
 
 TEST(KeyPathChain, LeadsFromAndToForeignObjects)
 {
+    ObservationJournal journal;
     ObservedSwitch first;
     ObservedSwitch second;
     ObservedBook book;
     ObservedBook owner;
     first.setPartner(&second);
     second.setPartner(&book);
-    ObservationJournal journal;
     observeObject({owner, first}, "partner.partner.pages", journal.block());
 
     book.setPages(2);
@@ -194,11 +194,11 @@ TEST(KeyPathChain, LeadsFromAndToForeignObjects)
 
 TEST(KeyPathChain, NoticesTheDeathOfAForeignObjectOnTheWay)
 {
+    ObservationJournal journal;
     ObservedBook book;
     auto window = std::make_unique<ObservedSwitch>();
     book.setWindow(window.get());
     window->setLevel(4);
-    ObservationJournal journal;
     observeProperty(book, "window.level", kLater, journal.block());
 
     window.reset();
@@ -208,10 +208,10 @@ TEST(KeyPathChain, NoticesTheDeathOfAForeignObjectOnTheWay)
 
 TEST(KeyPathChain, EndsWithItsOwnerOnEveryObject)
 {
+    ObservationJournal journal;
     ObservedBook book;
     ObservedBook sequel;
     book.setSequel(&sequel);
-    ObservationJournal journal;
     {
         ObservedBook owner;
         observeObject({owner, book}, "sequel.pages", kLater, journal.block());
@@ -228,9 +228,9 @@ TEST(KeyPathChain, EndsWithItsOwnerOnEveryObject)
 
 TEST(KeyPathChain, EndsWithItsTargetAndLeavesTheOthersAlone)
 {
+    ObservationJournal journal;
     ObservedBook sequel;
     ObservedBook owner;
-    ObservationJournal journal;
     {
         ObservedBook book;
         book.setSequel(&sequel);
@@ -245,10 +245,10 @@ TEST(KeyPathChain, EndsWithItsTargetAndLeavesTheOthersAlone)
 
 TEST(KeyPathChain, ListensWhereTheLastOfTwoNestedChangesLeads)
 {
+    ObservationJournal journal;
     ObservedBook book;
     ObservedBook first;
     ObservedBook second;
-    ObservationJournal journal;
     observeProperty(book, "sequel", kLater, [&](QObject*, QObject*, const QVariant&, const QVariant& now) {
         if (now.value<ObservedBook*>() == &first)
             book.setSequel(&second);
@@ -279,10 +279,10 @@ TEST(KeyPathChain, SurvivesABlockThatDeletesTheTargetFromTheLastObject)
 
 TEST(KeyPathChain, SurvivesABlockThatDeletesTheObjectOnTheWay)
 {
+    ObservationJournal journal;
     ObservedBook book;
     auto sequel = std::make_unique<ObservedBook>();
     book.setSequel(sequel.get());
-    ObservationJournal journal;
     observeProperty(book, "sequel.pages", kLater, [&](QObject*, QObject*, const QVariant&, const QVariant& now) {
         journal.write(descriptionOf(now));
         sequel.reset();

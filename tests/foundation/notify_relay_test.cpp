@@ -16,9 +16,9 @@ constexpr auto kLater = ObservationOptions::NoInitialCall;
 
 TEST(NotifyRelay, BringsOldAndNewValuesOfAForeignObject)
 {
+    ObservationJournal journal;
     ObservedSwitch target;
     ObservedBook owner;
-    ObservationJournal journal;
     observeObject({owner, target}, "level", journal.block());
 
     target.setLevel(3);
@@ -30,8 +30,8 @@ TEST(NotifyRelay, BringsOldAndNewValuesOfAForeignObject)
 
 TEST(NotifyRelay, LetsAForeignObjectObserveItself)
 {
-    ObservedSwitch target;
     ObservationJournal journal;
+    ObservedSwitch target;
     observeProperty(target, "level", kLater, journal.block());
 
     target.setLevel(3);
@@ -41,8 +41,8 @@ TEST(NotifyRelay, LetsAForeignObjectObserveItself)
 
 TEST(NotifyRelay, ServesInheritedPropertiesOfAnObservable)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
     observeProperty(book, "objectName", kLater, journal.block());
 
     book.setObjectName(QStringLiteral("tides"));
@@ -52,9 +52,9 @@ TEST(NotifyRelay, ServesInheritedPropertiesOfAnObservable)
 
 TEST(NotifyRelay, DeliversBothChangesToEveryObserverWhenABlockSetsAgain)
 {
+    ObservationJournal journal;
     ObservedSwitch target;
     ObservedBook owner;
-    ObservationJournal journal;
     observeProperty(target, "level", kLater, [&target](QObject*, QObject*, const QVariant&, const QVariant& now) {
         if (now == 1)
             target.setLevel(2);
@@ -85,8 +85,8 @@ TEST(NotifyRelay, IsGoneWithTheLastObservation)
 
 TEST(NotifyRelay, SurvivesABlockThatEndsTheObservation)
 {
-    ObservedSwitch target;
     ObservationJournal journal;
+    ObservedSwitch target;
     observeProperty(target, "level", kLater, [&](QObject* owner, QObject*, const QVariant&, const QVariant&) {
         removeAllObservations(*owner);
         journal.write(QStringLiteral("ended"));
@@ -101,9 +101,9 @@ TEST(NotifyRelay, SurvivesABlockThatEndsTheObservation)
 
 TEST(NotifyRelay, SurvivesABlockThatDeletesTheTarget)
 {
+    ObservationJournal journal;
     auto* target = std::make_unique<ObservedSwitch>().release();
     ObservedBook owner;
-    ObservationJournal journal;
     observeObject({owner, *target}, "level", kLater, [](QObject*, QObject* object, const QVariant&, const QVariant&) {
         delete object;
     });
@@ -128,8 +128,8 @@ TEST(NotifyRelay, RefusesAPropertyThatDoesNotTellOfItsChanges)
 
 TEST(NotifyRelay, IsNotNeededForAConstant)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
 
     observeProperty(book, "edition", journal.block());
 

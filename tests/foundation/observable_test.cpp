@@ -24,9 +24,9 @@ class ObservableRefusedEdit : public ::testing::TestWithParam<EditCase>
 
 TEST_P(ObservableRefusedEdit, ChangesNothing)
 {
+    ObservationJournal journal;
     ObservedBook book;
     book.setMarks({1, 2});
-    ObservationJournal journal;
     observeRelationship(book, "marks", ObservationOptions::NoInitialCall, {.change = journal.block()});
 
     EXPECT_THROW(GetParam().edit(book), HVException);
@@ -67,8 +67,8 @@ TEST(Observable, KeepsNoBooksWhileNobodyObserves)
 
 TEST(Observable, SaysNothingOfEditsWithoutElements)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
     observeRelationship(book, "marks", ObservationOptions::NoInitialCall, {.change = journal.block()});
 
     book.insertMarks({}, {});

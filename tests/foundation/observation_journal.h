@@ -9,6 +9,7 @@
 namespace havrel {
 
 /// What blocks were told, one line a call: "<label>old->new", lists in parentheses, the indexes after " at ".
+/// Made before what is observed: objects that die at the end of a test still tell.
 class ObservationJournal
 {
 public:

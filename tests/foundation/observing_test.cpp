@@ -18,9 +18,9 @@ constexpr auto kLater = ObservationOptions::NoInitialCall;
 
 TEST(Observing, CallsTheBlockAtOnceWithTheCurrentValueAsOldAndNew)
 {
+    ObservationJournal journal;
     ObservedBook book;
     book.setPages(3);
-    ObservationJournal journal;
 
     observeProperty(book, "pages", journal.block());
 
@@ -29,8 +29,8 @@ TEST(Observing, CallsTheBlockAtOnceWithTheCurrentValueAsOldAndNew)
 
 TEST(Observing, LeavesTheFirstCallOutWhenToldTo)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
 
     observeProperty(book, "pages", kLater, journal.block());
     EXPECT_EQ(journal.read(), "");
@@ -55,10 +55,10 @@ TEST(Observing, TellsABlockItsOwnerAndTheObject)
 
 TEST(Observing, IsSilentWhenAnEqualValueIsSet)
 {
+    ObservationJournal journal;
     ObservedBook book;
     book.setPages(4);
     book.setNote(1);
-    ObservationJournal journal;
     observeProperties(book, {"pages", "note"}, kLater, journal.block());
 
     book.setPages(4);
@@ -69,8 +69,8 @@ TEST(Observing, IsSilentWhenAnEqualValueIsSet)
 
 TEST(Observing, TellsAnAbsentTextFromAnEmptyOne)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
     observeProperty(book, "title", kLater, journal.block());
 
     book.setTitle(QStringLiteral(""));
@@ -81,8 +81,8 @@ TEST(Observing, TellsAnAbsentTextFromAnEmptyOne)
 
 TEST(Observing, TurnsTheNullObjectIntoNil)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
     observeProperty(book, "note", journal.block());
 
     book.setNote(nullObject());
@@ -94,8 +94,8 @@ TEST(Observing, TurnsTheNullObjectIntoNil)
 
 TEST(Observing, WatchesEachKeyPathOfAListWithAnObserverOfItsOwn)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
     observeProperties(book, {"title", "pages"}, journal.block());
     EXPECT_EQ(journal.read(), "(null)->(null); 0->0");
 
@@ -109,9 +109,9 @@ TEST(Observing, WatchesEachKeyPathOfAListWithAnObserverOfItsOwn)
 
 TEST(Observing, WatchesSeveralKeyPathsOfAnotherObject)
 {
+    ObservationJournal journal;
     ObservedBook owner;
     ObservedBook book;
-    ObservationJournal journal;
     observeObject({owner, book}, {"title", "pages"}, journal.block());
     EXPECT_EQ(journal.read(), "(null)->(null); 0->0");
     observeObject({owner, book}, {"subtitle", "note"}, kLater, journal.block());
@@ -125,8 +125,8 @@ TEST(Observing, WatchesSeveralKeyPathsOfAnotherObject)
 
 TEST(Observing, SharesOneObserverAmongTheBlocksOfAnOwnerAndKeepsTheirOrder)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
     observeProperty(book, "pages", kLater, journal.block(QStringLiteral("first ")));
     const auto observer = mtk_observerForKeyPath(book, "pages", book);
     observeProperty(book, "pages", kLater, journal.block(QStringLiteral("second ")));
@@ -139,10 +139,10 @@ TEST(Observing, SharesOneObserverAmongTheBlocksOfAnOwnerAndKeepsTheirOrder)
 
 TEST(Observing, KeepsTheObserversOfTwoOwnersApart)
 {
+    ObservationJournal journal;
     ObservedBook book;
     ObservedBook owner;
     ObservedBook other;
-    ObservationJournal journal;
     observeObject({owner, book}, "pages", kLater, journal.block(QStringLiteral("owner ")));
     observeObject({other, book}, "pages", kLater, journal.block(QStringLiteral("other ")));
 
@@ -154,8 +154,8 @@ TEST(Observing, KeepsTheObserversOfTwoOwnersApart)
 
 TEST(Observing, EndsWhenTheOwnerDiesBeforeTheTarget)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
     {
         ObservedBook owner;
         observeObject({owner, book}, "pages", kLater, journal.block());
@@ -171,8 +171,8 @@ TEST(Observing, EndsWhenTheOwnerDiesBeforeTheTarget)
 
 TEST(Observing, EndsWhenAnOwnerOfAForeignClassDies)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
     {
         QObject owner;
         observeObject({owner, book}, "pages", kLater, journal.block());
@@ -185,8 +185,8 @@ TEST(Observing, EndsWhenAnOwnerOfAForeignClassDies)
 
 TEST(Observing, LetsTheTargetGoBeforeTheOwner)
 {
-    ObservedBook owner;
     ObservationJournal journal;
+    ObservedBook owner;
     {
         ObservedBook book;
         observeObject({owner, book}, "pages", journal.block());
@@ -198,9 +198,9 @@ TEST(Observing, LetsTheTargetGoBeforeTheOwner)
 
 TEST(Observing, EndsAllThatAnOwnerHas)
 {
+    ObservationJournal journal;
     ObservedBook owner;
     ObservedBook book;
-    ObservationJournal journal;
     observeObject({owner, book}, {"pages", "title"}, kLater, journal.block());
     observeProperty(owner, "pages", kLater, journal.block());
 
@@ -213,9 +213,9 @@ TEST(Observing, EndsAllThatAnOwnerHas)
 
 TEST(Observing, EndsTheObservationOfOneKeyPathOnly)
 {
+    ObservationJournal journal;
     ObservedBook owner;
     ObservedBook book;
-    ObservationJournal journal;
     observeObject({owner, book}, {"pages", "title"}, kLater, journal.block());
 
     removeObservationsOfObject(owner, book, "pages");
@@ -228,9 +228,9 @@ TEST(Observing, EndsTheObservationOfOneKeyPathOnly)
 
 TEST(Observing, CanEndFromTheObservedSideForOneOwner)
 {
+    ObservationJournal journal;
     ObservedBook owner;
     ObservedBook book;
-    ObservationJournal journal;
     observeObject({owner, book}, {"pages", "title", "note"}, kLater, journal.block());
 
     mtk_removeObservationsForOwner(book, owner, "pages");
@@ -244,9 +244,9 @@ TEST(Observing, CanEndFromTheObservedSideForOneOwner)
 
 TEST(Observing, CanEndEveryObservationOfAnObject)
 {
+    ObservationJournal journal;
     ObservedBook owner;
     ObservedBook book;
-    ObservationJournal journal;
     observeObject({owner, book}, "pages", kLater, journal.block());
     observeProperty(book, "pages", kLater, journal.block());
 
@@ -258,8 +258,8 @@ TEST(Observing, CanEndEveryObservationOfAnObject)
 
 TEST(Observing, StartsAgainAfterItWasEnded)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
     observeProperty(book, "pages", kLater, journal.block(QStringLiteral("old ")));
     removeAllObservations(book);
     observeProperty(book, "pages", kLater, journal.block(QStringLiteral("new ")));
@@ -271,8 +271,8 @@ TEST(Observing, StartsAgainAfterItWasEnded)
 
 TEST(Observing, DeliversEveryChangeOfABlockThatSetsAgainTheInnerFirst)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
     observeProperty(book, "pages", kLater, [](QObject* owner, QObject*, const QVariant&, const QVariant& now) {
         if (now == 1)
             qobject_cast<ObservedBook*>(owner)->setPages(2);
@@ -287,8 +287,8 @@ TEST(Observing, DeliversEveryChangeOfABlockThatSetsAgainTheInnerFirst)
 
 TEST(Observing, DoesNotRunABlockThatWasAddedDuringTheChange)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
     observeProperty(book, "pages", kLater, [&](QObject*, QObject*, const QVariant&, const QVariant&) {
         observeProperty(book, "pages", kLater, journal.block());
     });
@@ -302,8 +302,8 @@ TEST(Observing, DoesNotRunABlockThatWasAddedDuringTheChange)
 
 TEST(Observing, RunsTheBlocksOfTheChangeOnceMoreWhenOneOfThemRemovesTheObservation)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
     observeProperty(book, "pages", kLater, [&book](QObject*, QObject*, const QVariant&, const QVariant&) {
         removeAllObservations(book);
     });
@@ -318,9 +318,9 @@ TEST(Observing, RunsTheBlocksOfTheChangeOnceMoreWhenOneOfThemRemovesTheObservati
 
 TEST(Observing, PassesAnObserverOverThatWasRemovedDuringTheChange)
 {
+    ObservationJournal journal;
     ObservedBook book;
     ObservedBook owner;
-    ObservationJournal journal;
     observeProperty(book, "pages", kLater, [&](QObject*, QObject*, const QVariant&, const QVariant&) {
         removeAllObservations(owner);
     });
@@ -333,9 +333,9 @@ TEST(Observing, PassesAnObserverOverThatWasRemovedDuringTheChange)
 
 TEST(Observing, RunsNoFurtherBlockOnceOneHasDeletedTheTarget)
 {
+    ObservationJournal journal;
     auto* book = std::make_unique<ObservedBook>().release();
     ObservedBook other;
-    ObservationJournal journal;
     observeProperty(
         *book, "pages", kLater, [](QObject* owner, QObject*, const QVariant&, const QVariant&) { delete owner; });
     observeProperty(*book, "pages", kLater, journal.block());
@@ -348,10 +348,10 @@ TEST(Observing, RunsNoFurtherBlockOnceOneHasDeletedTheTarget)
 
 TEST(Observing, RunsNoFurtherBlockOfAnOwnerThatOneHasDeleted)
 {
+    ObservationJournal journal;
     ObservedBook book;
     ObservedBook other;
     auto owner = std::make_unique<ObservedBook>();
-    ObservationJournal journal;
     observeObject({*owner, book}, "pages", kLater, [&owner](QObject*, QObject*, const QVariant&, const QVariant&) {
         owner.reset();
     });
@@ -366,8 +366,8 @@ TEST(Observing, RunsNoFurtherBlockOfAnOwnerThatOneHasDeleted)
 
 TEST(Observing, SurvivesANestedChangeThatDeletesTheTarget)
 {
-    auto* book = std::make_unique<ObservedBook>().release();
     ObservationJournal journal;
+    auto* book = std::make_unique<ObservedBook>().release();
     observeProperty(*book, "pages", kLater, [book](QObject*, QObject*, const QVariant&, const QVariant& now) {
         if (now == 2)
             delete book;
@@ -411,8 +411,8 @@ TEST(Observing, LetsAnOwnerGoThatOnlyItsOwnBlocksHold)
 
 TEST(Observing, HandsOnWhatABlockThrowsAndStaysUsable)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
     observeProperty(book, "pages", kLater, [](QObject*, QObject*, const QVariant&, const QVariant& now) {
         if (now == 1)
             throw std::runtime_error("refused");
@@ -457,8 +457,8 @@ TEST(Observing, WorksOnAnyThreadWithoutAnApplicationObject)
 
 TEST(ObservingRelationships, TellsEachKindOfChangeWithItsIndexes)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
     observeRelationship(book,
                         "marks",
                         kLater,
@@ -484,9 +484,9 @@ TEST(ObservingRelationships, TellsEachKindOfChangeWithItsIndexes)
 
 TEST(ObservingRelationships, CallsTheChangeBlockAtOnceUnlessToldNotTo)
 {
+    ObservationJournal journal;
     ObservedBook book;
     book.setMarks({1});
-    ObservationJournal journal;
 
     observeRelationship(book, "marks", {.change = journal.block(), .insertion = journal.insertionBlock()});
 
@@ -495,9 +495,9 @@ TEST(ObservingRelationships, CallsTheChangeBlockAtOnceUnlessToldNotTo)
 
 TEST(ObservingRelationships, FallsBackOnTheChangeBlockWithNilAndTheWholeValue)
 {
+    ObservationJournal journal;
     ObservedBook book;
     book.setMarks({1, 2});
-    ObservationJournal journal;
     observeRelationship(book, "marks", kLater, {.change = journal.block(), .removal = journal.removalBlock()});
 
     book.insertMarks({3}, {2});
@@ -510,8 +510,8 @@ TEST(ObservingRelationships, FallsBackOnTheChangeBlockWithNilAndTheWholeValue)
 
 TEST(ObservingRelationships, BringsEveryKindOfChangeToASingleBlock)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
     observeRelationship(book, "marks", journal.block());
     EXPECT_EQ(journal.read(), "()->()");
 
@@ -525,8 +525,8 @@ TEST(ObservingRelationships, BringsEveryKindOfChangeToASingleBlock)
 
 TEST(ObservingRelationships, KeepsEditsFromThoseWhoObserveTheProperty)
 {
-    ObservedBook book;
     ObservationJournal journal;
+    ObservedBook book;
     observeProperty(book, "marks", kLater, journal.block());
 
     book.insertMarks({1}, {0});
