@@ -15,7 +15,7 @@
 namespace havrel {
 namespace {
 
-constexpr qint64 kMinutesADay = 24 * 60;
+constexpr qint64 kMinutesADay = 24LL * 60;
 
 QTime timeAtMinute(qint64 minuteOfDay)
 {
@@ -75,8 +75,8 @@ struct ScaleRule
 
 // Indexed by the number of the scale.
 constexpr auto kScaleRules = std::to_array<ScaleRule>({
-    {offsetByMilliseconds, 60 * 1000},
-    {offsetByMilliseconds, 60 * 60 * 1000},
+    {offsetByMilliseconds, 60LL * 1000},
+    {offsetByMilliseconds, 60LL * 60 * 1000},
     {offsetByDays, 1},
     {offsetByDays, 7},
     {offsetByMonths, 1},

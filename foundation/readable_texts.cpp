@@ -31,7 +31,7 @@ constexpr auto kUnitNames = std::to_array<UnitNames>({
 
 QString stringWithReadableDuration(qint64 duration, DurationScale scale)
 {
-    const QString count = QString::number(duration);
+    QString count = QString::number(duration);
     const auto unit = static_cast<std::size_t>(scale);
     if (unit >= kUnitNames.size())
         return count;

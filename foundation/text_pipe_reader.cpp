@@ -4,6 +4,7 @@
 #include "foundation/condition_lock.h"
 #include "foundation/dispatch.h"
 
+#include <QScopeGuard>
 #include <QThread>
 #include <QThreadPool>
 
@@ -84,9 +85,9 @@ struct TextPipeReader::Reading
     [[nodiscard]] QByteArray bytes() const;
 
     ChunkSource chunks;
-    TextEncoding encoding;
-    qsizetype limit;
-    Trimming trimming;
+    TextEncoding encoding = TextEncoding::Default;
+    qsizetype limit = 0;
+    Trimming trimming = Trimming::No;
     ConditionLock lock{kReading};
     QStringList output; // written before kLinesReady, read after it
 };
@@ -104,11 +105,7 @@ QByteArray TextPipeReader::Reading::bytes() const
 void TextPipeReader::Reading::run()
 {
     // Whoever waits for the lines must go on even if the source throws.
-    struct Signal
-    {
-        ConditionLock& lock;
-        ~Signal() { lock.transitionToCondition(kLinesReady); }
-    } const atTheEnd{lock};
+    const auto atTheEnd = qScopeGuard([this] { lock.transitionToCondition(kLinesReady); });
     if (const std::optional<QString> text = decodedText(bytes(), encoding))
         output = linesOf(*text, trimming);
 }

@@ -3,9 +3,8 @@
 
 #include "foundation/floored_division.h"
 
+#include <ctime>
 #include <limits>
-
-#include <time.h>
 
 namespace havrel {
 namespace {

@@ -6,7 +6,7 @@
 namespace havrel {
 namespace {
 
-constexpr qint64 kDay = 24 * 60 * 60 * 1000; // milliseconds; no zone is further from UTC, nor changes by more at once
+constexpr qint64 kDay = 24LL * 60 * 60 * 1000; // milliseconds; no zone is further from UTC, nor changes by more at once
 
 QDateTime utcAt(qint64 msecs)
 {

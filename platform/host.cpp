@@ -7,10 +7,10 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <ctime>
 
 #include <sched.h>
 #include <sys/utsname.h>
-#include <time.h>
 #include <unistd.h>
 
 namespace havrel::platform {

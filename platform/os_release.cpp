@@ -24,6 +24,16 @@ QByteArray unescaped(char next, char quote)
     return kept ? QByteArray("\\") + next : QByteArray(1, next);
 }
 
+bool isQuote(char character)
+{
+    return character == '"' || character == '\'';
+}
+
+bool isBlank(char character)
+{
+    return character == ' ' || character == '\t';
+}
+
 /// The value as a shell reads it; nullopt for an unfinished quote or more than one word.
 std::optional<QByteArray> unquoted(const QByteArray& text)
 {
@@ -31,13 +41,14 @@ std::optional<QByteArray> unquoted(const QByteArray& text)
     char quote = 0; // the one that is open, 0 when none is
     for (qsizetype place = 0; place < text.size(); ++place) {
         const char character = text[place];
-        const bool opens = quote == 0 && (character == '"' || character == '\'');
-        if (opens || (quote != 0 && character == quote))
-            quote = opens ? character : '\0';
+        if (quote == 0 && isBlank(character))
+            return std::nullopt;
+        if (quote == 0 && isQuote(character))
+            quote = character;
+        else if (quote != 0 && character == quote)
+            quote = 0;
         else if (character == '\\' && quote != '\'' && place + 1 < text.size())
             value += unescaped(text[++place], quote);
-        else if (quote == 0 && (character == ' ' || character == '\t'))
-            return std::nullopt;
         else
             value += character;
     }

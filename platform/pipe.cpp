@@ -19,7 +19,7 @@ Pipe makePipe()
 
 QByteArray readAvailable(int descriptor)
 {
-    constexpr qsizetype kMost = 64 * 1024; // what a pipe holds
+    constexpr qsizetype kMost = 64LL * 1024; // what a pipe holds
     QByteArray chunk(kMost, Qt::Uninitialized);
     ssize_t count = -1;
     do

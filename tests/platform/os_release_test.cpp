@@ -72,6 +72,7 @@ TEST(OSRelease, ReadsNothingFromNothing)
 {
     EXPECT_TRUE(parseOSRelease({}).isEmpty());
     EXPECT_TRUE(parseOSRelease(QByteArray("\0\n\0=\0", 5)).isEmpty());
+    EXPECT_EQ(parseOSRelease(QByteArray("A=x\0y", 5)).value("A"), QString::fromUtf16(u"x\0y", 3));
 }
 
 TEST(OSRelease, ReadsBackWhatWasQuotedForAShell)
