@@ -2,6 +2,7 @@
 #include "diagnostics/log_line_ident.h"
 
 #include "diagnostics/log_line_pin.h"
+#include "foundation/pooled_allocator.h"
 
 #include <QStringList>
 
@@ -77,15 +78,17 @@ std::uint64_t LogLineIdent::application() const
 
 void LogLineIdent::noteClassification(LogClassification classification) noexcept
 {
-    const auto bit = static_cast<std::int32_t>(classification);
-    if (bit >= 0)
-        m_classifications.fetch_or(std::uint32_t{1} << (static_cast<unsigned>(bit) % 32), std::memory_order_relaxed);
+    if (classification < LogClassification::Plain)
+        return;
+    const std::uint32_t bit = std::uint32_t{1} << (static_cast<unsigned>(classification) % 32);
+    if ((classifications() & bit) == 0) // most of the time it is set, and looking is cheaper
+        m_classifications.fetch_or(bit, std::memory_order_relaxed);
 }
 
 LogLineIdentPtr LogLineIdent::next()
 {
     const std::uint64_t sequence = m_subsequence.fetch_add(1, std::memory_order_relaxed) + 1;
-    return std::make_shared<LogLineIdent>(shared_from_this(), sequence);
+    return std::allocate_shared<LogLineIdent>(PooledAllocator<LogLineIdent>(), shared_from_this(), sequence);
 }
 
 LogLineIdentPtr LogLineIdent::pinned()

@@ -59,14 +59,17 @@ SerialQueue& Logr::loggerQueue()
     return *m_state->loggerQueue;
 }
 
-LogLineIdentPtr Logr::writeLine(LogClassification classification, const LogLineIdentPtr& inLine, const QString& message)
+LogLineIdentPtr
+Logr::writeLine(LogClassification classification, const LogLineIdentPtr& inLine, const LogMessage& message)
 {
-    const LogLineIdentPtr parent = inLine ? inLine : rootLogLine();
+    const LogLineIdentPtr& parent = inLine ? inLine : rootLogLine();
     parent->noteClassification(classification);
     LogLineIdentPtr identity = parent->next();
-    loggerQueue().async([this, line = QueuedLine{message, identity, m_state->now(), classification}] {
-        atWriterWall([this, &line] { writeQueued(line); });
-    });
+    loggerQueue().async(QueuedLine::Request{.logger = *this,
+                                            .message = message,
+                                            .identity = identity,
+                                            .date = m_state->now(),
+                                            .classification = classification});
     return identity;
 }
 
@@ -75,12 +78,17 @@ LogLineIdentPtr Logr::writeFormatted(LogClassification classification,
                                      fmt::string_view format,
                                      fmt::format_args arguments)
 {
-    return writeLine(classification, inLine, formattedText(format, arguments));
+    return writeLine(classification, inLine, LogMessage::formatted(format, arguments));
 }
 
 void Logr::writeQueued(const QueuedLine& queued)
 {
-    const QString line = formatMessage({.message = queued.message,
+    atWriterWall([this, &queued] { judge(queued); });
+}
+
+void Logr::judge(const QueuedLine& queued)
+{
+    const QString line = formatMessage({.message = queued.message.text(),
                                         .date = queued.date,
                                         .inLine = queued.identity,
                                         .classification = queued.classification,
@@ -112,7 +120,7 @@ void Logr::unspoolTailAt(LogDate date)
     if (!held)
         return;
     if (held->discarded > 0) {
-        const LogLineIdentPtr root = rootLogLine();
+        const LogLineIdentPtr& root = rootLogLine();
         root->noteClassification(LogClassification::Warning);
         logMessage(formatMessage(
             {.message = QStringLiteral("Logging rate was too fast; %1 lines discarded").arg(held->discarded),

@@ -5,8 +5,8 @@
 #include "diagnostics/log_classification.h"
 #include "diagnostics/log_date.h"
 #include "diagnostics/log_date_formatter.h"
-#include "diagnostics/log_format.h"
 #include "diagnostics/log_line_ident.h"
+#include "diagnostics/log_message.h"
 
 #include <QByteArray>
 #include <QString>
@@ -89,7 +89,7 @@ public:
     /// \selector +makeLogDateFormatter
     [[nodiscard]] static LogDateFormatter makeLogDateFormatter();
     /// The line of this process, under which everything else stands. \selector +rootLogLine
-    [[nodiscard]] static LogLineIdentPtr rootLogLine();
+    [[nodiscard]] static const LogLineIdentPtr& rootLogLine();
     /// The line stored under \p key; null when there is none. \selector +logLineForKey:
     [[nodiscard]] static LogLineIdentPtr logLineForKey(const QString& key);
     /// Stores \p line under \p key for the life of the process; null removes the key. \selector +setLogLine:forKey:
@@ -215,7 +215,7 @@ public:
     /// The one operation through which every line passes: takes the identity and the date, and leaves the rest to the
     /// writer queue. \selector -log:inLine:message:
     virtual LogLineIdentPtr
-    writeLine(LogClassification classification, const LogLineIdentPtr& inLine, const QString& message);
+    writeLine(LogClassification classification, const LogLineIdentPtr& inLine, const LogMessage& message);
     /// \selector -log:inLine:format:
     template<class... Arguments>
     LogLineIdentPtr writeFormat(LogClassification classification,
@@ -289,6 +289,7 @@ private:
                                         fmt::string_view format,
                                         fmt::format_args arguments);
     void writeQueued(const QueuedLine& line);
+    void judge(const QueuedLine& line);
     LogLineIdentPtr writeCausal(const ExceptionStyle& style, const LogLineIdentPtr& inLine, const Exception& exception);
     void writeBacktrace(const LogLineIdentPtr& inLine, const platform::ReturnAddresses& addresses);
 

@@ -86,7 +86,7 @@ LogDateFormatter Logr::makeLogDateFormatter()
     return {};
 }
 
-LogLineIdentPtr Logr::rootLogLine()
+const LogLineIdentPtr& Logr::rootLogLine()
 {
     // Never destroyed, like everything that late lines need.
     static const LogLineIdentPtr& s_root = *std::make_unique<LogLineIdentPtr>(rootLineOfThisProcess()).release();

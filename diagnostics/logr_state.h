@@ -33,10 +33,34 @@ struct Logr::State
 /// What travels to the writer queue.
 struct Logr::QueuedLine
 {
-    QString message;
-    LogLineIdentPtr identity;
-    LogDate date;
-    LogClassification classification;
+    /// The same while it is still with the caller: what is queued is made of it, in place.
+    struct Request
+    {
+        using QueuedAs = QueuedLine;
+
+        Logr& logger;
+        const LogMessage& message;
+        const LogLineIdentPtr& identity;
+        LogDate date;
+        LogClassification classification;
+    };
+
+    explicit QueuedLine(const Request& request)
+        : logger(request.logger)
+        , message(request.message)
+        , identity(request.identity)
+        , date(request.date)
+        , classification(request.classification)
+    {
+    }
+
+    void operator()() const { logger.writeQueued(*this); }
+
+    Logr& logger;
+    const LogMessage message;
+    const LogLineIdentPtr identity;
+    const LogDate date;
+    const LogClassification classification;
 };
 
 /// How an exception and its causes are written.

@@ -35,10 +35,10 @@ NSLogLogr::NSLogLogr(ConsoleSink sink)
 }
 
 LogLineIdentPtr
-NSLogLogr::writeLine(LogClassification classification, const LogLineIdentPtr& inLine, const QString& message)
+NSLogLogr::writeLine(LogClassification classification, const LogLineIdentPtr& inLine, const LogMessage& message)
 {
     if (classification != LogClassification::Subrosa)
-        m_sink(priorityOf(classification), message);
+        m_sink(priorityOf(classification), message.text());
     return inLine;
 }
 

@@ -31,7 +31,7 @@ public:
     /// Answers \p inLine as it is: there are no new identities, and nothing can be nested under the root.
     /// \selector -log:inLine:message:
     LogLineIdentPtr
-    writeLine(LogClassification classification, const LogLineIdentPtr& inLine, const QString& message) override;
+    writeLine(LogClassification classification, const LogLineIdentPtr& inLine, const LogMessage& message) override;
     /// Nothing. \selector -close
     void close() override;
 

@@ -21,7 +21,7 @@ NullLogr::NullLogr(ConsoleSink sink, std::atomic_flag& said)
 {
 }
 
-LogLineIdentPtr NullLogr::writeLine(LogClassification, const LogLineIdentPtr& inLine, const QString&)
+LogLineIdentPtr NullLogr::writeLine(LogClassification, const LogLineIdentPtr& inLine, const LogMessage&)
 {
     if (!m_said.test_and_set())
         m_sink(platform::JournalPriority::Notice, QStringLiteral("log output is being discarded"));

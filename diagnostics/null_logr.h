@@ -20,7 +20,7 @@ public:
 
     /// Answers a new child of \p inLine; null for the root. \selector -log:inLine:message:
     LogLineIdentPtr
-    writeLine(LogClassification classification, const LogLineIdentPtr& inLine, const QString& message) override;
+    writeLine(LogClassification classification, const LogLineIdentPtr& inLine, const LogMessage& message) override;
 
 private:
     ConsoleSink m_sink;

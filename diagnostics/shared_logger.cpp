@@ -50,23 +50,17 @@ SharedLogger& SharedLogger::ofProcess()
     return s_shared;
 }
 
-std::shared_ptr<Logr> SharedLogger::installed() const
-{
-    const std::lock_guard guard(m_lock);
-    return m_logger;
-}
-
 std::shared_ptr<Logr> SharedLogger::get()
 {
-    if (auto logger = installed())
+    if (auto logger = m_logger.load())
         return logger;
     const std::lock_guard guard(m_choice);
-    if (auto logger = installed())
+    if (auto logger = m_logger.load())
         return logger;
     if (m_choosing)
         return nullptr;
     choose();
-    return installed();
+    return m_logger.load();
 }
 
 void SharedLogger::choose()
@@ -112,11 +106,7 @@ void SharedLogger::retire(std::shared_ptr<Logr> logger)
 
 void SharedLogger::set(const std::shared_ptr<Logr>& logger)
 {
-    std::shared_ptr<Logr> former = logger;
-    {
-        const std::lock_guard guard(m_lock);
-        m_logger.swap(former);
-    }
+    std::shared_ptr<Logr> former = m_logger.exchange(logger);
     if (!former || former == logger)
         return;
     former->close();

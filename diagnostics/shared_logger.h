@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 
@@ -37,7 +38,6 @@ public:
     void close();
 
 private:
-    [[nodiscard]] std::shared_ptr<Logr> installed() const;
     void choose();
     [[nodiscard]] std::shared_ptr<Logr> makeFallback() const;
     void replaceByFileLogger(Logr& fallback);
@@ -49,8 +49,7 @@ private:
     std::recursive_mutex m_choice; // held by the thread that chooses
     bool m_choosing = false;       // guarded by m_choice
 
-    mutable std::mutex m_lock;
-    std::shared_ptr<Logr> m_logger; // guarded by m_lock
+    std::atomic<std::shared_ptr<Logr>> m_logger;
 };
 
 } // namespace havrel

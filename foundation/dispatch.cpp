@@ -2,6 +2,7 @@
 #include "foundation/dispatch.h"
 
 #include "diagnostics/logr.h"
+#include "foundation/block_batch.h"
 #include "foundation/main_queue_wall.h"
 #include "platform/file_names.h"
 
@@ -15,7 +16,6 @@
 #include <mutex>
 #include <thread>
 #include <utility>
-#include <vector>
 
 #include <pthread.h>
 
@@ -92,18 +92,18 @@ struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State>
 
     void run();
     void startThreadLocked();
-    [[nodiscard]] bool async(std::function<void()> block);
+    [[nodiscard]] bool async(const QueuedBlock::Source& block);
 
     static thread_local State* t_current; // of the queue whose thread this is
 
     const QString name;
     std::mutex lock;
     std::condition_variable arrived;
-    std::vector<std::function<void()>> waiting; // guarded by lock
-    bool idle = false;                          // guarded by lock: the thread waits for a block
-    bool started = false;                       // guarded by lock
-    bool ending = false;                        // guarded by lock
-    std::thread thread;                         // guarded by lock until ending
+    BlockBatch waiting;   // guarded by lock
+    bool idle = false;    // guarded by lock: the thread waits for a block
+    bool started = false; // guarded by lock
+    bool ending = false;  // guarded by lock
+    std::thread thread;   // guarded by lock until ending
 };
 
 thread_local SerialQueue::State* SerialQueue::State::t_current = nullptr;
@@ -112,21 +112,17 @@ void SerialQueue::State::run()
 {
     t_current = this;
     ::pthread_setname_np(::pthread_self(), platform::bytesOfFileName(name).left(15).constData());
-    std::vector<std::function<void()>> batch;
+    BlockBatch batch;
     std::unique_lock guard(lock);
     while (true) {
         idle = true;
-        arrived.wait(guard, [this] { return !waiting.empty() || ending; });
+        arrived.wait(guard, [this] { return !waiting.isEmpty() || ending; });
         idle = false;
-        if (waiting.empty())
+        if (waiting.isEmpty())
             return;
         batch.swap(waiting);
         guard.unlock();
-        for (auto& block : batch) {
-            runAtWall(block);
-            block = nullptr; // what the block holds goes before the next one runs
-        }
-        batch.clear();
+        batch.drain([](QueuedBlock& block) { runAtWall([&block] { block(); }); });
         guard.lock();
     }
 }
@@ -134,11 +130,13 @@ void SerialQueue::State::run()
 void SerialQueue::State::startThreadLocked()
 {
     // Not asked of the thread itself, which the destructor takes away while the last blocks may still queue others.
-    if (!std::exchange(started, true))
-        thread = std::thread([this] { run(); });
+    if (started)
+        return;
+    thread = std::thread([this] { run(); });
+    started = true;
 }
 
-bool SerialQueue::State::async(std::function<void()> block)
+bool SerialQueue::State::async(const QueuedBlock::Source& block)
 {
     bool wake = false;
     {
@@ -147,7 +145,7 @@ bool SerialQueue::State::async(std::function<void()> block)
             return false;
         if (!ending)
             startThreadLocked();
-        waiting.push_back(std::move(block));
+        waiting.push(block);
         wake = std::exchange(idle, false);
     }
     if (wake)
@@ -183,9 +181,9 @@ bool SerialQueue::isCurrent() const noexcept
     return State::t_current == m_state.get();
 }
 
-void SerialQueue::async(std::function<void()> block)
+void SerialQueue::async(const QueuedBlock::Source& block)
 {
-    (void)m_state->async(std::move(block));
+    (void)m_state->async(block);
 }
 
 void SerialQueue::sync(const std::function<void()>& block)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "foundation/queued_block.h"
+
 #include <QString>
 
 #include <functional>
@@ -55,9 +57,10 @@ public:
     [[nodiscard]] QString name() const;
     /// Whether the calling code runs on this queue.
     [[nodiscard]] bool isCurrent() const noexcept;
-    /// Queues \p block and returns at once. While the queue ends, only its own blocks still get blocks queued; others
-    /// are dropped.
-    void async(std::function<void()> block);
+    /// Queues \p block and returns at once: takes a lock that is never held while a block runs, allocates nothing for a
+    /// block of at most 120 bytes, and enters the kernel only when the queue is idle. While the queue ends, only its
+    /// own blocks still get blocks queued; others are dropped.
+    void async(const QueuedBlock::Source& block);
     /// Runs \p block after everything queued before and waits for it; on the queue itself it runs at once.
     /// What the block throws comes out here.
     void sync(const std::function<void()>& block);

@@ -2,7 +2,7 @@
 // What becomes of texts on their way into the log: formats, reasons, dumps, ASCII.
 #include "diagnostics/data_dump.h"
 #include "diagnostics/exception_reason.h"
-#include "diagnostics/log_format.h"
+#include "diagnostics/log_message.h"
 #include "diagnostics/non_lossy_ascii.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@ namespace {
 template<class... Arguments>
 QString formatted(fmt::format_string<Arguments...> format, Arguments&&... arguments)
 {
-    return formattedText(format, fmt::make_format_args(arguments...));
+    return LogMessage::formatted(format, fmt::make_format_args(arguments...)).text();
 }
 
 struct ASCIIRow
@@ -105,7 +105,7 @@ TEST(ExceptionReason, StandsInOneLine)
         EXPECT_EQ(cleanedReason(row.reason), row.cleaned) << row.reason.toStdString();
 }
 
-TEST(LogFormat, TakesArgumentsOfEveryKind)
+TEST(LogMessage, TakesArgumentsOfEveryKind)
 {
     EXPECT_EQ(formatted("plain"), QStringLiteral("plain"));
     EXPECT_EQ(formatted("{} {:x} {:.2f} {}", 1, 255, 1.5, "bytes"), QStringLiteral("1 ff 1.50 bytes"));
@@ -116,7 +116,7 @@ TEST(LogFormat, TakesArgumentsOfEveryKind)
     EXPECT_EQ(formatted("{{{}}}", QString()), QStringLiteral("{}"));
 }
 
-TEST(LogFormat, LosesNothingOfAText)
+TEST(LogMessage, LosesNothingOfAText)
 {
     QString every;
     for (unsigned unit = 0; unit <= 0xFFFF; ++unit)
@@ -131,14 +131,14 @@ TEST(LogFormat, LosesNothingOfAText)
     EXPECT_EQ(formatted("{}", QStringLiteral("\U0001F600\u00e9")), QStringLiteral("\U0001F600\u00e9"));
 }
 
-TEST(LogFormat, KeepsBytesThatAreNotUTF8)
+TEST(LogMessage, KeepsBytesThatAreNotUTF8)
 {
     EXPECT_EQ(formatted("{}", "a\xE9z"), QStringLiteral("a") + QChar(0xDCE9) + u'z');
 }
 
-TEST(LogFormat, GivesTheFormatItselfWhenItDoesNotFit)
+TEST(LogMessage, GivesTheFormatItselfWhenItDoesNotFit)
 {
-    EXPECT_EQ(formattedText("{} {}", fmt::make_format_args()), QStringLiteral("{} {}"));
+    EXPECT_EQ(LogMessage::formatted("{} {}", fmt::make_format_args()).text(), QStringLiteral("{} {}"));
 }
 
 TEST(DataDump, ShowsBytesAndCharacters)

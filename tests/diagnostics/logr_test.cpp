@@ -156,9 +156,9 @@ TEST(Logr, SurvivesALoggerThatRaises)
     public:
         ~RaisingLogr() override { Logr::close(); }
         LogLineIdentPtr
-        writeLine(LogClassification classification, const LogLineIdentPtr& inLine, const QString& message) override
+        writeLine(LogClassification classification, const LogLineIdentPtr& inLine, const LogMessage& message) override
         {
-            if (message == QStringLiteral("at once"))
+            if (message.text() == QStringLiteral("at once"))
                 throw std::runtime_error("no");
             return Logr::writeLine(classification, inLine, message);
         }

@@ -131,7 +131,7 @@ TEST_F(LogrValues, StopAfterTheFirstLineOfALoggerThatKeepsNone)
     class ForgetfulLogr : public Logr
     {
     public:
-        LogLineIdentPtr writeLine(LogClassification, const LogLineIdentPtr&, const QString&) override
+        LogLineIdentPtr writeLine(LogClassification, const LogLineIdentPtr&, const LogMessage&) override
         {
             ++m_count;
             return nullptr;

@@ -102,9 +102,9 @@ TEST_F(PlaceholderLinesTest, StopAtALoggerThatKeepsNoLines)
     class ForgetfulLogr : public Logr
     {
     public:
-        LogLineIdentPtr writeLine(LogClassification, const LogLineIdentPtr&, const QString& message) override
+        LogLineIdentPtr writeLine(LogClassification, const LogLineIdentPtr&, const LogMessage& message) override
         {
-            m_messages << message;
+            m_messages << message.text();
             return nullptr;
         }
         QStringList m_messages;
@@ -125,9 +125,9 @@ TEST_F(PlaceholderLinesTest, MayBeUsedByALoggerWhileItIsWritingOne)
         {
         }
         LogLineIdentPtr
-        writeLine(LogClassification classification, const LogLineIdentPtr& inLine, const QString& message) override
+        writeLine(LogClassification classification, const LogLineIdentPtr& inLine, const LogMessage& message) override
         {
-            if (message == QStringLiteral("heading"))
+            if (message.text() == QStringLiteral("heading"))
                 m_lines.log(
                     *this, {.inLine = nullptr, .placeholder = QStringLiteral("inner"), .key = QStringLiteral("inner")});
             return RecordingLogr::writeLine(classification, inLine, message);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "diagnostics/log_format.h"
+#include "diagnostics/log_message.h"
 
 #include "foundation/description.h"
 #include "platform/file_names.h"
@@ -60,8 +60,18 @@ char16_t surrogateAt(QStringView text, qsizetype i)
     return static_cast<char16_t>(0xD000 | ((second & 0x3F) << 6) | (third & 0x3F));
 }
 
-QString textOfBytes(QByteArrayView bytes)
+bool isASCII(QByteArrayView bytes)
 {
+    unsigned all = 0;
+    for (const char byte : bytes)
+        all |= static_cast<unsigned char>(byte);
+    return all < 0x80;
+}
+
+QString textOfFormatted(QByteArrayView bytes)
+{
+    if (isASCII(bytes))
+        return QString::fromLatin1(bytes);
     const QString text = platform::textOfFileName(bytes);
     if (text.isValidUtf16())
         return text;
@@ -81,15 +91,24 @@ fmt::string_view viewOf(const QByteArray& bytes)
 
 } // namespace
 
-QString formattedText(fmt::string_view format, fmt::format_args arguments)
+LogMessage LogMessage::formatted(fmt::string_view format, fmt::format_args arguments)
 {
+    fmt::memory_buffer buffer;
     try {
-        fmt::memory_buffer buffer;
         fmt::vformat_to(fmt::appender(buffer), format, arguments);
-        return textOfBytes(QByteArrayView(buffer.data(), static_cast<qsizetype>(buffer.size())));
     } catch (const fmt::format_error&) {
-        return textOfBytes(QByteArrayView(format.data(), static_cast<qsizetype>(format.size())));
+        buffer.clear();
+        buffer.append(format);
     }
+    const QByteArrayView bytes(buffer.data(), static_cast<qsizetype>(buffer.size()));
+    if (bytes.size() <= static_cast<qsizetype>(Bytes().size()))
+        return LogMessage(bytes);
+    return textOfFormatted(bytes);
+}
+
+QString LogMessage::text() const
+{
+    return isText() ? m_text : textOfFormatted(QByteArrayView(m_bytes.data(), m_byteCount));
 }
 
 } // namespace havrel
