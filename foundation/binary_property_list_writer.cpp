@@ -1,133 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/binary_property_list.h"
+#include "foundation/binary_scalar_writer.h"
 #include "foundation/property_list_kind.h"
-#include "foundation/reference_date.h"
 
 #include <QHash>
-#include <QtEndian>
 
-#include <bit>
-#include <limits>
 #include <vector>
 
 namespace havrel {
 namespace {
 
-using namespace binary_property_list;
+namespace format = binary_property_list;
 using Kind = PropertyListKind;
-
-int bytesFor(quint64 number)
-{
-    if (number <= std::numeric_limits<quint8>::max())
-        return 1;
-    if (number <= std::numeric_limits<quint16>::max())
-        return 2;
-    return number <= std::numeric_limits<quint32>::max() ? 4 : 8;
-}
-
-void appendNumber(QByteArray& bytes, quint64 number, int width)
-{
-    const quint64 bigEndian = qToBigEndian(number);
-    bytes.append(reinterpret_cast<const char*>(&bigEndian) + (8 - width), width);
-}
-
-void appendMarker(QByteArray& bytes, int type, int low)
-{
-    bytes.append(static_cast<char>(type | low));
-}
-
-void appendUnsigned(QByteArray& bytes, quint64 number)
-{
-    const bool needsSign = number > quint64(std::numeric_limits<qint64>::max());
-    const int width = needsSign ? 16 : bytesFor(number);
-    appendMarker(bytes, Integer, std::countr_zero(static_cast<unsigned>(width)));
-    if (needsSign)
-        appendNumber(bytes, 0, 8);
-    appendNumber(bytes, number, qMin(width, 8));
-}
-
-void appendSigned(QByteArray& bytes, qint64 number)
-{
-    if (number >= 0)
-        return appendUnsigned(bytes, static_cast<quint64>(number));
-    appendMarker(bytes, Integer, 3);
-    appendNumber(bytes, static_cast<quint64>(number), 8);
-}
-
-void appendDouble(QByteArray& bytes, int type, double number)
-{
-    appendMarker(bytes, type, 3);
-    appendNumber(bytes, std::bit_cast<quint64>(number), 8);
-}
-
-void appendCount(QByteArray& bytes, int type, qsizetype count)
-{
-    if (count < kCountFollows)
-        return appendMarker(bytes, type, static_cast<int>(count));
-    appendMarker(bytes, type, kCountFollows);
-    appendUnsigned(bytes, static_cast<quint64>(count));
-}
-
-void appendString(QByteArray& bytes, const QString& text)
-{
-    const auto isASCII = [](QChar c) { return c.unicode() < 0x80; };
-    if (std::all_of(text.begin(), text.end(), isASCII)) {
-        appendCount(bytes, ASCII, text.size());
-        bytes.append(text.toLatin1());
-        return;
-    }
-    appendCount(bytes, Unicode, text.size());
-    const qsizetype start = bytes.size();
-    bytes.resize(start + 2 * text.size());
-    qToBigEndian<quint16>(text.constData(), text.size(), bytes.data() + start);
-}
-
-void appendUID(QByteArray& bytes, PropertyListUID uid)
-{
-    const int width = bytesFor(uid.number);
-    appendMarker(bytes, UID, width - 1);
-    appendNumber(bytes, uid.number, width);
-}
-
-QByteArray encodedScalar(const QVariant& value, Kind kind)
-{
-    QByteArray bytes;
-    switch (kind) {
-    case Kind::Null:
-        appendMarker(bytes, Null, 0);
-        break;
-    case Kind::Bool:
-        appendMarker(bytes, Null, value.toBool() ? True : False);
-        break;
-    case Kind::Signed:
-        appendSigned(bytes, value.toLongLong());
-        break;
-    case Kind::Unsigned:
-        appendUnsigned(bytes, value.toULongLong());
-        break;
-    case Kind::Real:
-        appendDouble(bytes, Real, value.toDouble());
-        break;
-    case Kind::Date:
-        appendDouble(bytes, Date, intervalSinceReferenceDate(value.toDateTime()));
-        break;
-    case Kind::Data:
-        appendCount(bytes, Data, value.toByteArray().size());
-        bytes.append(value.toByteArray());
-        break;
-    case Kind::String:
-        appendString(bytes, value.toString());
-        break;
-    case Kind::UID:
-        appendUID(bytes, value.value<PropertyListUID>());
-        break;
-    case Kind::None:
-    case Kind::List:
-    case Kind::Map:
-        break;
-    }
-    return bytes;
-}
 
 /// One writing: first the table of objects, parents before children, then the bytes. The first fault is kept.
 class Writer
@@ -178,7 +62,7 @@ quint32 Writer::add(const QVariant& value, int depth)
         return addList(value.toList(), depth + 1);
     if (kind == Kind::Map)
         return addMap(value.toMap(), depth + 1);
-    return addScalar(encodedScalar(value, kind));
+    return addScalar(encodedBinaryScalar(value, kind));
 }
 
 bool Writer::isRefused(Kind kind, const QVariant& value, int depth)
@@ -214,7 +98,7 @@ quint32 Writer::addContainer(int type, qsizetype count, std::size_t references)
 
 quint32 Writer::addList(const QVariantList& list, int depth)
 {
-    const quint32 index = addContainer(Array, list.size(), static_cast<std::size_t>(list.size()));
+    const quint32 index = addContainer(format::Array, list.size(), static_cast<std::size_t>(list.size()));
     for (const QVariant& element : list)
         refer(index, add(element, depth));
     return index;
@@ -222,7 +106,7 @@ quint32 Writer::addList(const QVariantList& list, int depth)
 
 quint32 Writer::addMap(const QVariantMap& map, int depth)
 {
-    const quint32 index = addContainer(Dictionary, map.size(), 2 * static_cast<std::size_t>(map.size()));
+    const quint32 index = addContainer(format::Dictionary, map.size(), 2 * static_cast<std::size_t>(map.size()));
     for (auto it = map.begin(); it != map.end(); ++it)
         refer(index, add(it.key(), depth));
     for (const QVariant& value : map)
@@ -238,7 +122,7 @@ void Writer::fail(const QString& fault)
 
 QByteArray Writer::assembled() const
 {
-    QByteArray bytes(kHead.data(), kHead.size());
+    QByteArray bytes(format::kHead.data(), format::kHead.size());
     const int referenceSize = bytesFor(m_objects.size());
     std::vector<quint64> offsets;
     offsets.reserve(m_objects.size());

@@ -4,6 +4,7 @@
 #include "diagnostics/exception.h"
 #include "foundation/archivable_classes.h"
 #include "foundation/keyed_archive.h"
+#include "foundation/keyed_archive_values.h"
 #include "foundation/property_list_kind.h"
 #include "foundation/reference_date.h"
 
@@ -11,7 +12,6 @@
 #include <QScopedValueRollback>
 
 #include <algorithm>
-#include <array>
 
 namespace havrel {
 namespace {
@@ -27,61 +27,13 @@ QVariantMap contentsOf(const QByteArray& archive)
     const PropertyListReading reading = parsePropertyList(archive);
     if (reading.error)
         raiseInvalidArchive(*reading.error);
-    const QVariantMap contents = reading.value.toMap();
+    QVariantMap contents = reading.value.toMap();
     if (contents.value(kArchiverKey) != QString(kArchiver))
         raiseInvalidArchive(QStringLiteral("it is a property list, but no keyed archive"));
     const QVariant version = contents.value(kVersionKey);
     if (propertyListKindOf(version) != Kind::Signed || version.toLongLong() != kVersion)
         raiseInvalidArchive(QStringLiteral("its version is unknown"));
     return contents;
-}
-
-/// The archive names of values; a mutable one reads as the same value.
-struct ValueClass
-{
-    QLatin1StringView name;
-    QLatin1StringView superclass; // behind it, the root class
-    Kind kind;
-};
-
-constexpr std::array kValueClasses{
-    ValueClass{QLatin1StringView("NSString"), {}, Kind::String},
-    ValueClass{QLatin1StringView("NSMutableString"), QLatin1StringView("NSString"), Kind::String},
-    ValueClass{QLatin1StringView("NSData"), {}, Kind::Data},
-    ValueClass{QLatin1StringView("NSMutableData"), QLatin1StringView("NSData"), Kind::Data},
-    ValueClass{QLatin1StringView("NSDate"), {}, Kind::Date},
-    ValueClass{QLatin1StringView("NSNull"), {}, Kind::Null},
-    ValueClass{QLatin1StringView("NSArray"), {}, Kind::List},
-    ValueClass{QLatin1StringView("NSMutableArray"), QLatin1StringView("NSArray"), Kind::List},
-    ValueClass{QLatin1StringView("NSDictionary"), {}, Kind::Map},
-    ValueClass{QLatin1StringView("NSMutableDictionary"), QLatin1StringView("NSDictionary"), Kind::Map},
-};
-
-const ValueClass* valueClassNamed(const QString& name)
-{
-    const auto found = std::find_if(
-        kValueClasses.begin(), kValueClasses.end(), [&](const ValueClass& each) { return each.name == name; });
-    return found == kValueClasses.end() ? nullptr : &*found;
-}
-
-/// The class of what stands among the objects as it is; null for what must not.
-QString classOfBareValue(const QVariant& value)
-{
-    switch (propertyListKindOf(value)) {
-    case Kind::Bool:
-    case Kind::Signed:
-    case Kind::Unsigned:
-    case Kind::Real:
-        return QStringLiteral("NSNumber");
-    case Kind::String:
-        return QStringLiteral("NSString");
-    case Kind::Data:
-        return QStringLiteral("NSData");
-    case Kind::Date:
-        return QStringLiteral("NSDate");
-    default:
-        return {};
-    }
 }
 
 [[noreturn]] void raiseDamagedField(const QString& key)
@@ -209,7 +161,7 @@ QVariant KeyedUnarchiver::decodeReference(const QVariant& reference)
         return known->object;
     }
     const int before = m_visited;
-    const QVariant object = decodeAt(index);
+    QVariant object = decodeAt(index);
     m_decoded.insert(key, {object, m_visited - before});
     return object;
 }
@@ -250,7 +202,7 @@ QVariant KeyedUnarchiver::decodeStored(qsizetype index)
     const QVariant& stored = m_objects[index];
     if (stored.typeId() == QMetaType::QVariantMap)
         return decodeFields(index, stored.toMap());
-    const QString name = classOfBareValue(stored);
+    const QString name = archivedClassOfBareValue(stored);
     if (name.isNull())
         raiseInvalidArchive(QStringLiteral("it holds an object without a class"));
     checkClass(name, {kAnyClass});
@@ -260,8 +212,9 @@ QVariant KeyedUnarchiver::decodeStored(qsizetype index)
 QVariant KeyedUnarchiver::decodeFields(qsizetype index, const QVariantMap& fields)
 {
     const QString name = classNameOf(fields);
-    if (const ValueClass* value = valueClassNamed(name)) {
-        checkClass(name, {value->superclass, kAnyClass});
+    if (const ArchivedValueClass* value = archivedValueClassNamed(name)) {
+        checkClass(name,
+                   value->superclass.isEmpty() ? QStringList{kAnyClass} : QStringList{value->superclass, kAnyClass});
         return decodeValue(name, fields);
     }
     const auto archivable = archivableClassNamed(name);
@@ -293,7 +246,7 @@ void KeyedUnarchiver::checkClass(const QString& name, const QStringList& supercl
 
 QVariant KeyedUnarchiver::decodeValue(const QString& name, const QVariantMap& fields)
 {
-    switch (valueClassNamed(name)->kind) {
+    switch (archivedValueClassNamed(name)->kind) {
     case Kind::String:
         return fieldOfKind(fields, kStringField, Kind::String);
     case Kind::Data:
@@ -344,7 +297,7 @@ QVariant KeyedUnarchiver::instanceAt(qsizetype index, const ArchivableClass& arc
     }
     const int before = m_visited;
     const QScopedValueRollback inside(m_fields, fields);
-    const QVariant object = decodedInstance(archivable, *this);
+    QVariant object = decodedInstance(archivable, *this);
     m_decoded.insert(key, {object, m_visited - before});
     return object;
 }

@@ -79,7 +79,7 @@ QVariant Reader::document()
         return fail(QStringLiteral("its XML begins with “%1”, not with “plist”").arg(m_xml.name()));
     if (!enterElement())
         return fail(QStringLiteral("it is empty"));
-    const QVariant root = value(0);
+    QVariant root = value(0);
     if (enterElement())
         return fail(QStringLiteral("it holds more than one value"));
     while (!failed() && !m_xml.atEnd())

@@ -243,6 +243,14 @@ TEST_F(Archiving, RestrictsWhatACollectionHolds)
     }
 }
 
+TEST_F(Archiving, TakesNothingButNilForNoClass)
+{
+    for (const QVariant& object : {QVariant(latin("a")), QVariant(QVariantList{}), QVariant(QByteArray("a"))}) {
+        expectBug([&] { return archivedObjectOfClass(dataForRootObject(object), QString()); }, kInvalid, "only these");
+        expectBug([&] { return archivedObjectOfClasses(dataForRootObject(object), {}); }, kInvalid, "only these");
+    }
+}
+
 TEST_F(Archiving, LetsAnInstanceAskForItsOwnClasses)
 {
     const QByteArray good = dataForRootObject(node(latin("a"), node(1)));
