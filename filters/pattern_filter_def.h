@@ -39,8 +39,8 @@ class PatternFilterDef : public FilterDefinition
 public:
     PatternFilterDef();                          ///< Simple, with nothing in it. \selector init
     explicit PatternFilterDef(PatternType type); ///< Simple, of that type. \selector initWithType:
-    explicit PatternFilterDef(
-        const QString& pattern); ///< Complete, unless \p pattern is null. \selector initWithPattern:
+    /// Complete, unless \p pattern is null. \selector initWithPattern:
+    explicit PatternFilterDef(const QString& pattern);
     /// \throws HVException "Bug" when the archive holds other objects than texts. \selector initWithCoder:
     explicit PatternFilterDef(Decoder& decoder);
     void encodeWithCoder(Encoder& encoder) const override; ///< \selector encodeWithCoder:
@@ -116,12 +116,10 @@ public:
     [[nodiscard]] bool absolute() const noexcept { return m_absolute; }
     [[nodiscard]] PatternType type() const noexcept { return m_type; } ///< \selector type
     void setType(PatternType type);                                    ///< Leaves what is compiled. \selector setType:
-    [[nodiscard]] const QString& completePattern() const noexcept
-    {
-        return m_completePattern;
-    } ///< \selector completePattern
-    void
-    setCompletePattern(const QString& completePattern); ///< null for the simple form. \selector setCompletePattern:
+    /// Null in simple form. \selector completePattern
+    [[nodiscard]] const QString& completePattern() const noexcept { return m_completePattern; }
+    /// \selector setCompletePattern:
+    void setCompletePattern(const QString& completePattern);
     [[nodiscard]] const QString& anchorPath() const noexcept { return m_anchorPath; } ///< \selector anchorPath
     void setAnchorPath(const QString& anchorPath);                                    ///< \selector setAnchorPath:
     [[nodiscard]] const QString& singlePattern() const noexcept { return m_singlePattern; } ///< \selector singlePattern
@@ -145,8 +143,8 @@ public:
     /// Whether \p other is of exactly this class and the same form, with the same line, or the same type, depth, anchor
     /// and pattern. Not whether they mean the same. \selector isEqual:
     [[nodiscard]] bool isEqual(const FilterDefinition& other) const override;
-    /// Made of the compiled state: equal definitions hash alike only when both are compiled or neither is. \selector
-    /// hash
+    /// Made of the compiled state: equal definitions hash alike only when both are compiled or neither is.
+    /// \selector hash
     [[nodiscard]] std::size_t hash() const noexcept;
 
 protected:
