@@ -170,7 +170,7 @@ void observeRelationship(QObject& owner, KeyPath keyPath, ObservationOptions opt
 
 void observeRelationship(QObject& owner, KeyPath keyPath, const SettingBlock& changeBlock)
 {
-    observeRelationship(owner, keyPath, {.change = changeBlock});
+    observeRelationship(owner, keyPath, RelationshipBlocks{.change = changeBlock});
 }
 
 void map(QObject& owner, KeyPath source, KeyPath destination, const Transform& transform)
