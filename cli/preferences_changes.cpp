@@ -94,7 +94,8 @@ void PreferencesChanges::applyPatterns(FileCapturePreferences& preferences) cons
     lines.removeDuplicates();
     for (const QString& each : removedPatterns)
         lines.removeAll(each);
-    preferences.excludeFilterDefs = PatternFilterDef::filterDefsFromStrings(lines, PatternFilterDef::itemEnvironment());
+    preferences.setExcludeFilterDefs(
+        PatternFilterDef::filterDefsFromStrings(lines, PatternFilterDef::itemEnvironment()));
 }
 
 } // namespace havrel::cli

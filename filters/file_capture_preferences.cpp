@@ -5,6 +5,7 @@
 #include "diagnostics/logr.h"
 #include "filters/capture_preferences_attribute.h"
 #include "filters/pattern_filter_def.h"
+#include "filters/valid_pattern_line.h"
 #include "foundation/date_additions.h"
 #include "foundation/dictionary_additions.h"
 #include "foundation/property_list.h"
@@ -93,8 +94,7 @@ FileCapturePreferences::FileCapturePreferences(const QVariantMap& properties)
     readOption(properties);
     if (boolForKey(properties, key::kContents))
         option = static_cast<CaptureOption>(static_cast<quint32>(option) + 1);
-    excludeFilterDefs = PatternFilterDef::filterDefsFromStrings(textsOf(properties.value(key::kPatterns)),
-                                                                PatternFilterDef::itemEnvironment());
+    m_readLines = textsOf(properties.value(key::kPatterns));
 }
 
 void FileCapturePreferences::readOption(const QVariantMap& properties)
@@ -224,10 +224,28 @@ void FileCapturePreferences::writeDuration(QVariantMap& properties) const
     }
 }
 
+const std::optional<PatternFilterDefs>& FileCapturePreferences::excludeFilterDefs() const
+{
+    if (m_readLines)
+        m_excludeFilterDefs =
+            PatternFilterDef::filterDefsFromStrings(*m_readLines, PatternFilterDef::itemEnvironment());
+    m_readLines.reset();
+    return m_excludeFilterDefs;
+}
+
+void FileCapturePreferences::setExcludeFilterDefs(const std::optional<PatternFilterDefs>& definitions)
+{
+    m_readLines.reset();
+    m_excludeFilterDefs = definitions;
+}
+
 std::optional<QStringList> FileCapturePreferences::excludeFiltersAsStrings() const
 {
     QStringList lines;
-    for (const PatternFilterDefPtr& each : excludeFilterDefs.value_or(PatternFilterDefs()))
+    for (const QString& each : m_readLines.value_or(QStringList()))
+        if (const std::optional<PatternLine> line = validPatternLine(each, AbsolutePaths::Refused))
+            lines.append(canonicalTextOf(*line));
+    for (const PatternFilterDefPtr& each : m_excludeFilterDefs.value_or(PatternFilterDefs()))
         if (each->valid())
             lines.append(each->canonicalPattern());
     return lines.isEmpty() ? std::nullopt : std::optional(lines);

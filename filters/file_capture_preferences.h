@@ -67,6 +67,11 @@ public:
     ///         preferences". The attribute is then as it was.
     void setPreferencesAtPath(const JNPath& path) const;
 
+    /// The exclusion patterns; none until set or read. Those that were read are made when they are first asked for,
+    /// because most records are only read and described. \selector excludeFilterDefs
+    [[nodiscard]] const std::optional<PatternFilterDefs>& excludeFilterDefs() const;
+    void setExcludeFilterDefs(const std::optional<PatternFilterDefs>& definitions); ///< \selector setExcludeFilterDefs:
+
     /// The stored dictionary; empty for Normal without valid patterns. \selector properties
     [[nodiscard]] QVariantMap properties() const;
     /// The canonical lines of the valid patterns in order; none, not an empty list, when there are none.
@@ -85,7 +90,6 @@ public:
     quint64 ignoreFromMinute = 540; ///< minutes after midnight
     quint64 ignoreToMinute = 1020;  ///< minutes after midnight
     qint64 scrapeDuration = 31;     ///< how long after the capture the contents are scraped
-    std::optional<PatternFilterDefs> excludeFilterDefs; ///< none until set or read
 
 private:
     void readOption(const QVariantMap& properties);
@@ -95,6 +99,9 @@ private:
     [[nodiscard]] QString optionDescription() const;
     [[nodiscard]] QString ignoringDescription() const;
     [[nodiscard]] QString scrapingDescription(const QString& what) const;
+
+    mutable std::optional<PatternFilterDefs> m_excludeFilterDefs;
+    mutable std::optional<QStringList> m_readLines; // as they were read, while there are no definitions of them
 };
 
 } // namespace havrel

@@ -56,11 +56,12 @@ FileCapturePreferences excluding()
 FileCapturePreferences withPatterns(int count, int length)
 {
     FileCapturePreferences preferences = excluding();
-    preferences.excludeFilterDefs.emplace();
+    PatternFilterDefs definitions;
     for (int i = 0; i < count; ++i) {
         const QString line = QStringLiteral("//%1").arg(i, length - 2, 10, QLatin1Char('x'));
-        preferences.excludeFilterDefs->append(std::make_shared<PatternFilterDef>(line));
+        definitions.append(std::make_shared<PatternFilterDef>(line));
     }
+    preferences.setExcludeFilterDefs(definitions);
     return preferences;
 }
 
@@ -90,7 +91,7 @@ TEST_F(CapturePreferencesAttribute, IsWrittenAsOtherProgramsReadIt)
 {
     FileCapturePreferences preferences = excluding();
     preferences.option = CaptureOption::ExcludeContents;
-    preferences.excludeFilterDefs = PatternFilterDefs{std::make_shared<PatternFilterDef>(QStringLiteral("//*.tmp"))};
+    preferences.setExcludeFilterDefs(PatternFilterDefs{std::make_shared<PatternFilterDef>(QStringLiteral("//*.tmp"))});
     preferences.setPreferencesAtPath(*item("folder"));
 
     const QByteArray bytes = outputOfProgram(QStringLiteral("getfattr"),

@@ -195,7 +195,7 @@ const std::array kStoredRows = {
               "unrecognized capture preferences"},
     StoredRow{"normal_with_patterns",
               [](Preferences& p) {
-                  p.excludeFilterDefs = definitions({"//*.tmp", "Library//Caches"});
+                  p.setExcludeFilterDefs(definitions({"//*.tmp", "Library//Caches"}));
               },
               {{"patterns", {"//*.tmp", "Library//Caches"}}},
               "normal, excluding //*.tmp, Library//Caches"},
@@ -203,26 +203,26 @@ const std::array kStoredRows = {
               [](Preferences& p) {
                   p.option = CaptureOption::IgnoreChanges;
                   p.ignoreDuration = 0;
-                  p.excludeFilterDefs = definitions({"//x"});
+                  p.setExcludeFilterDefs(definitions({"//x"}));
               },
               {{"capture", "ignore"}, {"duration", 0LL}, {"scale", 1ULL}, {"patterns", {"//x"}}},
               "ignore changes , excluding //x"},
     StoredRow{"invalid_with_patterns_stores_them_and_says_nothing_of_them",
               [](Preferences& p) {
                   p.option = static_cast<CaptureOption>(4294967295U);
-                  p.excludeFilterDefs = definitions({"//x"});
+                  p.setExcludeFilterDefs(definitions({"//x"}));
               },
               {{"capture", "invalid"}, {"patterns", {"//x"}}},
               "unrecognized capture preferences"},
     StoredRow{"invalid_patterns_are_left_out",
               [](Preferences& p) {
-                  p.excludeFilterDefs = definitions({"//a/", "", "/x", "Users//*.log/0:glob"});
+                  p.setExcludeFilterDefs(definitions({"//a/", "", "/x", "Users//*.log/0:glob"}));
               },
               {{"patterns", {"Users//*.log"}}},
               "normal, excluding Users//*.log"},
     StoredRow{"only_invalid_patterns_are_none",
               [](Preferences& p) {
-                  p.excludeFilterDefs = definitions({"//a/", "/x"});
+                  p.setExcludeFilterDefs(definitions({"//a/", "/x"}));
               },
               {},
               "normal"},
@@ -389,7 +389,7 @@ TEST(FileCapturePreferences, HaveTheDefaultsOfTheWindow)
     EXPECT_EQ(preferences.ignoreToMinute, 1020U);
     EXPECT_EQ(preferences.scrapeDuration, 31);
     EXPECT_EQ(static_cast<quint32>(preferences.scrapeScale), 2U);
-    EXPECT_EQ(preferences.excludeFilterDefs, std::nullopt);
+    EXPECT_EQ(preferences.excludeFilterDefs(), std::nullopt);
     EXPECT_EQ(preferences.excludeFiltersAsStrings(), std::nullopt);
 }
 
@@ -397,8 +397,8 @@ TEST(FileCapturePreferences, HaveAnEmptyListOfDefinitionsOnceRead)
 {
     const Preferences preferences{QVariantMap()};
 
-    ASSERT_TRUE(preferences.excludeFilterDefs.has_value());
-    EXPECT_TRUE(preferences.excludeFilterDefs->isEmpty());
+    ASSERT_TRUE(preferences.excludeFilterDefs().has_value());
+    EXPECT_TRUE(preferences.excludeFilterDefs()->isEmpty());
     EXPECT_EQ(preferences.excludeFiltersAsStrings(), std::nullopt);
 }
 
@@ -409,7 +409,45 @@ TEST(FileCapturePreferences, DropThePatternsThatAnItemCannotHave)
     const Preferences preferences(Stored{{"patterns", lines}});
 
     EXPECT_EQ(preferences.excludeFiltersAsStrings(), texts({"//*.tmp", "Library//Caches"}));
-    EXPECT_TRUE(preferences.excludeFilterDefs->constFirst()->simple()) << "read definitions are simplified";
+    EXPECT_TRUE(preferences.excludeFilterDefs()->constFirst()->simple()) << "read definitions are simplified";
+}
+
+TEST(FileCapturePreferences, SayTheSameOfPatternsBeforeAndAfterTheirDefinitionsAreMade)
+{
+    const QStringList lines = texts({"//*.tmp",
+                                     "a//b//c/+",
+                                     "//(/:re",
+                                     "x//5",
+                                     "//5/0",
+                                     "",
+                                     "/x",
+                                     "///x",
+                                     "//a/7:regex",
+                                     "Users/work//*.log/0:glob",
+                                     "a///b",
+                                     " ",
+                                     "//^x$/3:re"});
+    const Preferences preferences(Stored{{"patterns", QVariant(lines).toList()}});
+    const auto before = preferences.excludeFiltersAsStrings();
+    const Preferences copy = preferences;
+    const auto count = preferences.excludeFilterDefs()->size();
+
+    ASSERT_TRUE(before.has_value());
+    EXPECT_EQ(before->size(), count);
+    EXPECT_EQ(preferences.excludeFiltersAsStrings(), before);
+    EXPECT_EQ(copy.excludeFiltersAsStrings(), before);
+    EXPECT_EQ(before,
+              texts({"//*.tmp", "a//b//c/+", "x//5:glob", "//5", "//a/7:re", "Users/work//*.log", " ", "//^x$/3:re"}));
+}
+
+TEST(FileCapturePreferences, ForgetTheLinesThatWereReadWhenDefinitionsAreSet)
+{
+    Preferences preferences(Stored{{"patterns", {"//a"}}});
+    preferences.setExcludeFilterDefs(definitions({"//b"}));
+    EXPECT_EQ(preferences.excludeFiltersAsStrings(), texts({"//b"}));
+    preferences.setExcludeFilterDefs(std::nullopt);
+    EXPECT_EQ(preferences.excludeFilterDefs(), std::nullopt);
+    EXPECT_EQ(preferences.excludeFiltersAsStrings(), std::nullopt);
 }
 
 TEST(FileCapturePreferences, TakeNoPatternsFromWhatIsNoList)
@@ -422,7 +460,7 @@ TEST(FileCapturePreferences, TakeNoPatternsFromWhatIsNoList)
 TEST(FileCapturePreferences, StoreTheCanonicalLineEvenWhereItReadsBackDifferently)
 {
     Preferences preferences;
-    preferences.excludeFilterDefs = definitions({"//5/0", "//a/5/0"});
+    preferences.setExcludeFilterDefs(definitions({"//5/0", "//a/5/0"}));
     const Preferences again(preferences.properties());
 
     EXPECT_EQ(preferences.excludeFiltersAsStrings(), texts({"//5", "//a/5"}));
