@@ -6,14 +6,28 @@
 #include <array>
 #include <cerrno>
 
+#include <dlfcn.h>
 #include <sys/uio.h>
-#include <systemd/sd-journal.h>
 #include <unistd.h>
 
 namespace havrel::platform {
 namespace {
 
 constexpr const char* kJournalSocket = "/run/systemd/journal/socket"; // sd_journal_sendv keeps silent without it
+
+/// sd_journal_sendv(3): 0, or an errno value below zero.
+using SendFields = int (*)(const iovec* fields, int count);
+
+/// The library is loaded with the first message: it and what it needs would cost every start of the tool a sixth of its
+/// time, for messages that most runs never send. Null where it is not installed.
+SendFields journalSender()
+{
+    static const auto s_sender = [] {
+        void* library = ::dlopen("libsystemd.so.0", RTLD_NOW | RTLD_LOCAL);
+        return library == nullptr ? nullptr : reinterpret_cast<SendFields>(::dlsym(library, "sd_journal_sendv"));
+    }();
+    return s_sender;
+}
 
 iovec pieceOf(QByteArray& bytes)
 {
@@ -34,13 +48,14 @@ bool journalExists()
 
 int sendToJournal(JournalPriority priority, const QString& message)
 {
-    if (!journalExists())
+    const SendFields send = journalExists() ? journalSender() : nullptr;
+    if (send == nullptr)
         return ENOENT;
     QByteArray text = "MESSAGE=" + bytesOfFileName(message);
     QByteArray urgency = "PRIORITY=" + QByteArray::number(static_cast<int>(priority));
     QByteArray program = programName();
     const std::array fields{pieceOf(text), pieceOf(urgency), pieceOf(program)};
-    return -::sd_journal_sendv(fields.data(), static_cast<int>(fields.size()));
+    return -send(fields.data(), static_cast<int>(fields.size()));
 }
 
 void writeToStandardError(const QString& message)
