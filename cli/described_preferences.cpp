@@ -38,13 +38,14 @@ DescribedPreferences::DescribedPreferences(ShownAs form, Report& report)
 {
 }
 
-DescribedPreferences::Meaning DescribedPreferences::meaningOf(const platform::AttributeValue& value)
+DescribedPreferences::Meaning DescribedPreferences::meaningOf(const platform::AttributeValue& value) const
 {
     const attribute::Reading reading = attribute::readingOf(value);
-    if (reading.state == attribute::State::Readable)
+    if (reading.state == attribute::State::Readable) {
         return {FileCapturePreferences(reading.dictionary).localizedDescription(),
-                jsonOfPropertyList(reading.dictionary),
+                m_form == ShownAs::Json ? jsonOfPropertyList(reading.dictionary) : QByteArray(),
                 {}};
+    }
     Meaning none{FileCapturePreferences().localizedDescription(), kJsonNull.toByteArray(), {}};
     if (reading.state == attribute::State::Malformed)
         none.fault = malformedText(reading.fault);

@@ -31,11 +31,11 @@ private:
     struct Meaning
     {
         QString description;
-        QByteArray json; ///< of the dictionary
+        QByteArray json; ///< of the dictionary, where it is shown as that
         QString fault;   ///< null when there is none
     };
 
-    static Meaning meaningOf(const platform::AttributeValue& value);
+    [[nodiscard]] Meaning meaningOf(const platform::AttributeValue& value) const;
     [[nodiscard]] const Meaning& remembered(const platform::AttributeValue& value);
     void write(const QByteArray& path, const Meaning& meaning) const;
 

@@ -74,16 +74,19 @@ QByteArray printableName(const QByteArray& bytes)
 QByteArray printableText(const QString& text)
 {
     QByteArray shown;
-    shown.reserve(text.size());
+    qsizetype shownTo = 0;
+    const auto showUpTo = [&](qsizetype end) { shown += QStringView(text).sliced(shownTo, end - shownTo).toUtf8(); };
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar unit = text[i];
-        if (unit.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate())
-            shown += QStringView(text).sliced(i++, 2).toUtf8();
-        else if (unit.isSurrogate() || steersTheTerminal(unit))
+        if (unit.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
+            ++i;
+        } else if (unit.isSurrogate() || steersTheTerminal(unit)) {
+            showUpTo(i);
             shown += escaped(unit);
-        else
-            shown += QStringView(text).sliced(i, 1).toUtf8();
+            shownTo = i + 1;
+        }
     }
+    showUpTo(text.size());
     return shown;
 }
 
