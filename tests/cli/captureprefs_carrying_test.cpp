@@ -204,13 +204,14 @@ TEST_F(CaptureprefsCarrying, SaysWhatAFileSystemMeans)
     }
 }
 
-TEST_F(CaptureprefsCarrying, SaysThatAnItemHasNoRoomThoughTheDiskIsNotFull)
+TEST_F(CaptureprefsCarrying, TellsAnItemWithoutRoomFromAFullFileSystem)
 {
     const QByteArray image = m_tree.bytes("image");
     m_tree.add("image");
     std::filesystem::resize_file(m_tree.path("image"), 4 << 20);
     const QStringList make{QStringLiteral("-q"),
                            QStringLiteral("-F"),
+                           QStringLiteral("-m0"), // nothing kept back for root
                            QStringLiteral("-b"),
                            QStringLiteral("1024"),
                            QStringLiteral("-I"),
@@ -229,6 +230,12 @@ TEST_F(CaptureprefsCarrying, SaysThatAnItemHasNoRoomThoughTheDiskIsNotFull)
     expectMessage(run(options, m_here),
                   "havrel: folder/inside: no room left for attributes on this item (its file system is not full)\n");
     EXPECT_EQ(attributeOf("folder/inside").error, ENODATA);
+
+    std::ofstream filler(m_tree.path("folder/filler"), std::ios::binary);
+    while (filler << std::string(1024, 'x') << std::flush) {
+    }
+    expectMessage(run({"captureprefs", "set", "--exclude", "folder/inside"}, m_here),
+                  "havrel: folder/inside: no space left on its file system\n");
 }
 
 /// Names as people and file managers give them.
