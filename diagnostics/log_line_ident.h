@@ -76,6 +76,20 @@ public:
     /// \selector initWithCoder:
     [[nodiscard]] static LogLineIdentPtr withCoder(Decoder& decoder);
 
+protected:
+    /// What an archive holds of an identity.
+    struct Fields
+    {
+        LogLineIdentPtr parent;
+        std::uint32_t classifications = 0;
+        std::uint64_t sequence = 0;
+        std::uint64_t subsequence = 0;
+    };
+
+    [[nodiscard]] static Fields fieldsFrom(Decoder& decoder);
+    /// Continues counting where the archived identity stood.
+    void restore(const Fields& fields) noexcept;
+
 private:
     LogLineIdentPtr m_parent; // never changes but when the receiver dies
     const std::uint64_t m_sequence;

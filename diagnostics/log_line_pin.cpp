@@ -1,17 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "diagnostics/log_line_pin.h"
 
-#include <utility>
-
 namespace havrel {
 
 LogLinePin::LogLinePin(const LogLineIdent& identifier)
     : LogLineIdent(identifier.parent(), identifier.sequence())
-{
-}
-
-LogLinePin::LogLinePin(LogLineIdentPtr parent, std::uint64_t sequence)
-    : LogLineIdent(std::move(parent), sequence)
 {
 }
 

@@ -13,8 +13,8 @@ class LogLinePin : public LogLineIdent
 public:
     /// A pin with the parent and sequence of \p identifier. \selector initWithIdentifier:
     explicit LogLinePin(const LogLineIdent& identifier);
-    /// As archives restore it.
-    LogLinePin(LogLineIdentPtr parent, std::uint64_t sequence);
+    /// One as an archive has it. \selector initWithCoder:
+    [[nodiscard]] static LogLineIdentPtr withCoder(Decoder& decoder);
 
     [[nodiscard]] LogLineIdentPtr next() override;   ///< the receiver. \selector next
     [[nodiscard]] LogLineIdentPtr pinned() override; ///< the receiver. \selector pinned

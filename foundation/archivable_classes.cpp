@@ -18,7 +18,9 @@ public:
         for (const ArchivableClass& row : {errorArchivableClass(),
                                            indexSetArchivableClass(),
                                            plainExceptionArchivableClass(),
-                                           exceptionArchivableClass()})
+                                           exceptionArchivableClass(),
+                                           logLineIdentArchivableClass(),
+                                           logLinePinArchivableClass()})
             add(row);
     }
 

@@ -26,5 +26,7 @@ namespace havrel {
 [[nodiscard]] ArchivableClass indexSetArchivableClass();
 [[nodiscard]] ArchivableClass plainExceptionArchivableClass();
 [[nodiscard]] ArchivableClass exceptionArchivableClass();
+[[nodiscard]] ArchivableClass logLineIdentArchivableClass();
+[[nodiscard]] ArchivableClass logLinePinArchivableClass();
 
 } // namespace havrel

@@ -91,8 +91,8 @@ struct ArchivableClass
 };
 
 /// Adds a class to the process-wide table; a second class of the same name replaces the first. The classes of this
-/// library ("NSError", "NSIndexSet", "NSException", "HVException" and the property-list values) are there from the
-/// start.
+/// library ("NSError", "NSIndexSet", "NSException", "HVException", "LogLineIdent", "LogLinePin" and the property-list
+/// values) are there from the start.
 ///
 /// Threads: any thread.
 void registerArchivableClass(const ArchivableClass& archivable);

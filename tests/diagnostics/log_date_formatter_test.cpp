@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "diagnostics/log_date_formatter.h"
 
-#include "tests/support/time_zone_scope.h"
+#include "tests/support/time_zone_of_the_user.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,6 @@
 
 namespace havrel {
 namespace {
-
-using tests::TimeZoneScope;
 
 struct DateRow
 {
@@ -33,7 +31,7 @@ TEST(LogDateFormatter, WritesLocalTimeAndTheZonesOffset)
         {"UTC0", 951782400, 0, "2000-02-29 00:00:00.000 +0000"},
     };
     for (const DateRow& row : rows) {
-        const TimeZoneScope zone(row.zone);
+        const TimeZoneOfTheUser zone(row.zone);
         const LogDate date(std::chrono::seconds(row.seconds) + std::chrono::nanoseconds(row.nanoseconds));
         EXPECT_EQ(LogDateFormatter().stringFromDate(date), QLatin1StringView(row.text));
     }
@@ -41,7 +39,7 @@ TEST(LogDateFormatter, WritesLocalTimeAndTheZonesOffset)
 
 TEST(LogDateFormatter, FollowsTheClockWhateverItSaidBefore)
 {
-    const TimeZoneScope zone("CET-1CEST,M3.5.0,M10.5.0/3");
+    const TimeZoneOfTheUser zone("CET-1CEST,M3.5.0,M10.5.0/3");
     LogDateFormatter formatter;
     const auto text = [&formatter](std::int64_t milliseconds) {
         return formatter.stringFromDate(LogDate(std::chrono::milliseconds(milliseconds)));

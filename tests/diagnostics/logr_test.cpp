@@ -3,7 +3,7 @@
 
 #include "foundation/dispatch.h"
 #include "tests/support/recording_logr.h"
-#include "tests/support/time_zone_scope.h"
+#include "tests/support/time_zone_of_the_user.h"
 
 #include <gtest/gtest.h>
 
@@ -19,7 +19,6 @@ namespace {
 
 using tests::RecordingLogr;
 using tests::SharedLoggerScope;
-using tests::TimeZoneScope;
 
 LogDate dateAt(std::int64_t seconds, int milliseconds)
 {
@@ -46,7 +45,7 @@ TEST(LogClassification, IsAllBitsForANameThatIsNone)
 
 TEST(Logr, WritesDateTagMessageAndIdentity)
 {
-    const TimeZoneScope zone("CEST-2");
+    const TimeZoneOfTheUser zone("CEST-2");
     RecordingLogr logger;
     const auto line = LogLineIdent::logLineIdentifierFromString(QStringLiteral("6.73946252.4312.17"));
     const QString text =
@@ -63,7 +62,7 @@ TEST(Logr, WritesDateTagMessageAndIdentity)
 
 TEST(Logr, StampsALineWithTheMomentOfTheCall)
 {
-    const TimeZoneScope zone("UTC0");
+    const TimeZoneOfTheUser zone("UTC0");
     std::atomic<std::int64_t> seconds = 0;
     RecordingLogr logger({.now = [&seconds] { return dateAt(seconds++, 5); }, .symbolAt = {}});
     logger.writeLine(LogClassification::Plain, nullptr, QStringLiteral("a"));
@@ -236,7 +235,7 @@ TEST_F(FloodedLogr, ReportsLostLinesUnderAFreshLineOfTheRootAsOfTheRelease)
     m_logger.waitForWriter();
     const std::uint64_t next = Logr::rootLogLine()->count() + 1;
     m_milliseconds = 77000;
-    const TimeZoneScope zone("UTC0");
+    const TimeZoneOfTheUser zone("UTC0");
     m_logger.flush();
     EXPECT_EQ(
         m_logger.m_lines.at(19999),
