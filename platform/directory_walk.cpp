@@ -169,7 +169,7 @@ void DirectoryWalk::State::leave()
     // Also a level that has nothing left is opened again: the way to the levels above leads through it.
     if (top.descriptor.isOpen() || returnTo(top, below.get()) || top.subfolders.empty())
         return;
-    visitor.failed(path, ENOENT);
+    visitor.failed(path, ESTALE);
     top.subfolders.clear();
 }
 

@@ -49,7 +49,8 @@ public:
     WalkVisitor& operator=(WalkVisitor&&) = delete;
 
     virtual void visit(const WalkedFolder& folder) = 0;
-    /// A folder that could not be opened, read, or returned to; the walk goes on with the next one.
+    /// A folder that could not be opened (ENOENT: it vanished meanwhile), read, or returned to (ESTALE: it was moved,
+    /// and what is left of it is not visited); the walk goes on with the next one.
     virtual void failed(const QByteArray& path, int error) = 0;
 };
 
