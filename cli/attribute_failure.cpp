@@ -25,6 +25,7 @@ constexpr auto kMeanings = std::to_array<Meaning>({
     {ERANGE, "the preferences are longer than its file system keeps in an attribute"},
     {EROFS, "it is on a read-only file system"},
     {EINVAL, "a path cannot hold a NUL"},
+    {ESTALE, "it was moved meanwhile, so that not all of it was looked through"},
 });
 
 QString deniedText(AttributeAccess access)

@@ -18,6 +18,17 @@ struct Options
     bool cross = false;
 };
 
+constexpr const char* kFooter =
+    "One JSON object a line, for 'import':\n"
+    "  path         as it was reached; export absolute folders to import from anywhere\n"
+    "  preferences  the stored dictionary; null when there is none in the record\n"
+    "  attribute    the record in base64, where the dictionary would not give the very same bytes again\n"
+    "\n"
+    "What JSON has no form for: {\"$data\":\"base64\"}, {\"$date\":\"2001-01-01T00:00:00.000Z\"}, "
+    "{\"$real\":\"nan\"},\n"
+    "{\"$uid\":1}, {\"$dictionary\":{...}} around a dictionary whose only key begins with \"$\".\n"
+    "Bytes of a name that are not UTF-8 are \\udcXX, which os.fsencode of Python turns back.";
+
 ExitStatus write(const Options& options)
 {
     Report report;
@@ -42,17 +53,7 @@ void defineCaptureprefsExport(Command& command)
     const auto options = std::make_shared<Options>();
     options->folders.define(command, "DIR...", "Folder to look through");
     command.flag("--cross", options->cross, "Also enter folders on which other file systems are mounted");
-    command.footer("One JSON object a line, for 'import': path (as it was reached, so export absolute folders to "
-                   "import from anywhere),\n"
-                   "preferences (the stored dictionary; null when it cannot be read), and attribute (base64) where the "
-                   "bytes would not\n"
-                   "come back exactly from the dictionary: malformed, of more than 1024 bytes and unreadable, or "
-                   "written in another way.\n"
-                   "What JSON has no form for: {\"$data\":\"base64\"}, {\"$date\":\"2001-01-01T00:00:00.000Z\"}, "
-                   "{\"$real\":\"nan\"},\n"
-                   "{\"$uid\":1}, {\"$dictionary\":{...}} around a dictionary whose only key begins with \"$\". Bytes "
-                   "of a name that are not\n"
-                   "UTF-8 are \\udcXX.");
+    command.footer(kFooter);
     command.action([options] { return write(*options); });
 }
 
