@@ -22,6 +22,9 @@
 namespace havrel {
 namespace {
 
+/// How deep causes are described; an exception can be made its own cause.
+constexpr int kMostCauses = 20;
+
 std::atomic<bool> s_persistFailures = false;
 
 const bool kTextRegistered =
@@ -162,11 +165,16 @@ QString Exception::className() const
 
 QString Exception::description() const
 {
+    thread_local int t_depth = 0; // causes are described inside the exception that they caused
+    QString text = u'<' + name() + QStringLiteral("> ") + reason();
+    if (t_depth == kMostCauses)
+        return text;
+    ++t_depth;
     QStringList facts;
     for (auto it = userInfo().begin(); it != userInfo().end(); ++it)
         if (!it.key().startsWith(u'.'))
             facts << shownFact(it.key(), it.value());
-    QString text = u'<' + name() + QStringLiteral("> ") + reason();
+    --t_depth;
     if (!facts.isEmpty())
         text += QStringLiteral(" { ") + facts.join(QStringLiteral(", ")) + QStringLiteral(" }");
     return text;

@@ -605,5 +605,14 @@ TEST(Exception, IsDescribedInsideOtherValues)
     EXPECT_EQ(io().setCause(std::nullopt).detail(detail_key::kCause), u"(nil)"_qs);
 }
 
+TEST(Exception, IsDescribedAlsoWhenItIsItsOwnCause)
+{
+    HVException exception = io();
+    exception.setCause(exception);
+    const QString text = exception.description();
+    exception.details().remove(detail_key::kCause); // the circle would keep it alive
+    EXPECT_TRUE(text.startsWith(u"<IO> cannot delete item { Cause='<IO> cannot delete item {"_qs));
+}
+
 } // namespace
 } // namespace havrel
