@@ -156,7 +156,10 @@ QVariant HVException::detail(const QString& key) const
 
 HVException& HVException::setDetail(const QVariant& value, const QString& key)
 {
-    details().insert(key, isNil(value) ? QVariant(QStringLiteral("(nil)")) : value);
+    if (value.metaType() == QMetaType::fromType<HVException>()) // kept in the one form that readers look for
+        details().insert(key, QVariant::fromValue(Exception(*static_cast<const HVException*>(value.constData()))));
+    else
+        details().insert(key, isNil(value) ? QVariant(QStringLiteral("(nil)")) : value);
     return *this;
 }
 

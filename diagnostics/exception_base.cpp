@@ -16,14 +16,12 @@
 #include <memory>
 #include <system_error>
 #include <typeinfo>
+#include <vector>
 
 #include <cxxabi.h>
 
 namespace havrel {
 namespace {
-
-/// How deep causes are described; an exception can be made its own cause.
-constexpr int kMostCauses = 20;
 
 std::atomic<bool> s_persistFailures = false;
 
@@ -53,6 +51,46 @@ bool isWhitespace(QChar unit)
 {
     return unit == u'\t' || unit.category() == QChar::Separator_Space;
 }
+
+QString shownName(const QString& text)
+{
+    return text.isNull() ? QStringLiteral("(null)") : text;
+}
+
+/// Notes that an exception is being described on this thread. Exceptions hold others as causes and details, and can
+/// hold themselves: one that is being described already shows its name and reason only, and so does everything once
+/// the outermost description has shown kMostDescribed of them.
+class DescriptionScope
+{
+public:
+    explicit DescriptionScope(const void* body)
+    {
+        m_mayShowFacts = t_described < kMostDescribed && std::find(t_open.begin(), t_open.end(), body) == t_open.end();
+        t_open.push_back(body);
+        ++t_described;
+    }
+    ~DescriptionScope()
+    {
+        t_open.pop_back();
+        if (t_open.empty())
+            t_described = 0;
+    }
+    DescriptionScope(const DescriptionScope&) = delete;
+    DescriptionScope& operator=(const DescriptionScope&) = delete;
+    DescriptionScope(DescriptionScope&&) = delete;
+    DescriptionScope& operator=(DescriptionScope&&) = delete;
+
+    [[nodiscard]] bool mayShowFacts() const noexcept { return m_mayShowFacts; }
+
+private:
+    static constexpr int kMostDescribed = 100;
+    static thread_local std::vector<const void*> t_open;
+    static thread_local int t_described;
+    bool m_mayShowFacts = false;
+};
+
+thread_local std::vector<const void*> DescriptionScope::t_open;
+thread_local int DescriptionScope::t_described = 0;
 
 QString shownFact(const QString& key, const QVariant& value)
 {
@@ -165,16 +203,14 @@ QString Exception::className() const
 
 QString Exception::description() const
 {
-    thread_local int t_depth = 0; // causes are described inside the exception that they caused
-    QString text = u'<' + name() + QStringLiteral("> ") + reason();
-    if (t_depth == kMostCauses)
+    QString text = u'<' + shownName(name()) + QStringLiteral("> ") + shownName(reason());
+    DescriptionScope scope(m_body.get());
+    if (!scope.mayShowFacts())
         return text;
-    ++t_depth;
     QStringList facts;
     for (auto it = userInfo().begin(); it != userInfo().end(); ++it)
         if (!it.key().startsWith(u'.'))
             facts << shownFact(it.key(), it.value());
-    --t_depth;
     if (!facts.isEmpty())
         text += QStringLiteral(" { ") + facts.join(QStringLiteral(", ")) + QStringLiteral(" }");
     return text;
@@ -212,7 +248,7 @@ Error Exception::asError() const
         return Error(error_domain::kPOSIX, code32(number), info);
     if (const QVariant number = userInfo().value(detail_key::kOSErr); number.isValid())
         return Error(error_domain::kOSStatus, code32(number), info);
-    info[error_key::kLocalizedDescription] = QStringLiteral("%1 error: %2").arg(name(), reason());
+    info[error_key::kLocalizedDescription] = QStringLiteral("%1 error: %2").arg(shownName(name()), shownName(reason()));
     return Error(name(), -1, info);
 }
 

@@ -11,6 +11,9 @@
 namespace havrel {
 namespace {
 
+const bool kTextRegistered = QMetaType::registerConverter<LogLineIdentPtr, QString>(
+    [](const LogLineIdentPtr& line) { return line ? line->description() : QStringLiteral("(null)"); });
+
 // The hash mixes each sequence number in at one of sixteen places, three bits apart, from the top down.
 constexpr unsigned kTopShift = 48;
 constexpr unsigned kShiftStep = 3;

@@ -67,8 +67,8 @@ void SharedLogger::choose()
 {
     const QScopedValueRollback choosing(m_choosing, true);
     const std::shared_ptr<Logr> fallback = makeFallback();
-    set(fallback);
-    replaceByFileLogger(*fallback);
+    if (replace(nullptr, fallback))
+        replaceByFileLogger(fallback);
 }
 
 std::shared_ptr<Logr> SharedLogger::makeFallback() const
@@ -81,18 +81,18 @@ std::shared_ptr<Logr> SharedLogger::makeFallback() const
                     QStringLiteral("could not create fallback Logger; tried ") + names.join(QStringLiteral(", ")));
 }
 
-void SharedLogger::replaceByFileLogger(Logr& fallback)
+void SharedLogger::replaceByFileLogger(const std::shared_ptr<Logr>& fallback)
 {
     try {
         if (auto logger = m_registry.make(QStringLiteral("FileLogr")))
-            set(logger);
+            replace(fallback, logger);
     } catch (...) {
-        if (!dynamic_cast<NSLogLogr*>(&fallback))
+        if (!dynamic_cast<NSLogLogr*>(fallback.get()))
             return;
-        fallback.writeLine(LogClassification::Failure,
-                           nullptr,
-                           QStringLiteral("could not create standard logger; logging to console"));
-        fallback.writeException(
+        fallback->writeLine(LogClassification::Failure,
+                            nullptr,
+                            QStringLiteral("could not create standard logger; logging to console"));
+        fallback->writeException(
             LogClassification::Failure, HVException::userInfoLogClassifications(), nullptr, Exception::fromCurrent());
     }
 }
@@ -107,10 +107,25 @@ void SharedLogger::retire(std::shared_ptr<Logr> logger)
 void SharedLogger::set(const std::shared_ptr<Logr>& logger)
 {
     std::shared_ptr<Logr> former = m_logger.exchange(logger);
-    if (!former || former == logger)
+    if (former != logger)
+        closeAndRetire(std::move(former));
+}
+
+/// Installs \p logger in place of \p present; when another was installed meanwhile, that one stays.
+bool SharedLogger::replace(const std::shared_ptr<Logr>& present, const std::shared_ptr<Logr>& logger)
+{
+    std::shared_ptr<Logr> expected = present;
+    const bool replaced = m_logger.compare_exchange_strong(expected, logger);
+    closeAndRetire(replaced ? present : logger);
+    return replaced;
+}
+
+void SharedLogger::closeAndRetire(std::shared_ptr<Logr> logger)
+{
+    if (!logger)
         return;
-    former->close();
-    retire(std::move(former));
+    logger->close();
+    retire(std::move(logger));
 }
 
 void SharedLogger::close()

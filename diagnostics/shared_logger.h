@@ -40,7 +40,9 @@ public:
 private:
     void choose();
     [[nodiscard]] std::shared_ptr<Logr> makeFallback() const;
-    void replaceByFileLogger(Logr& fallback);
+    void replaceByFileLogger(const std::shared_ptr<Logr>& fallback);
+    bool replace(const std::shared_ptr<Logr>& present, const std::shared_ptr<Logr>& logger);
+    static void closeAndRetire(std::shared_ptr<Logr> logger);
     static void retire(std::shared_ptr<Logr> logger);
 
     const LoggerRegistry& m_registry;

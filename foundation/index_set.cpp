@@ -7,6 +7,12 @@
 #include <algorithm>
 
 namespace havrel {
+namespace {
+
+const bool kTextRegistered =
+    QMetaType::registerConverter<IndexSet, QString>([](const IndexSet& set) { return set.compactDescription(); });
+
+} // namespace
 
 IndexSet::IndexSet(std::initializer_list<Index> indexes)
 {

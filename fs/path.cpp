@@ -12,6 +12,8 @@ namespace {
 
 /// Here, where every program that has paths links it.
 const bool kClassesRegistered = registerPathClasses();
+const bool kTextRegistered = QMetaType::registerConverter<JNPathPtr, QString>(
+    [](const JNPathPtr& path) { return path ? path->description() : QStringLiteral("(null)"); });
 
 } // namespace
 

@@ -608,10 +608,50 @@ TEST(Exception, IsDescribedInsideOtherValues)
 TEST(Exception, IsDescribedAlsoWhenItIsItsOwnCause)
 {
     HVException exception = io();
-    exception.setCause(exception);
+    exception.setCause(exception).setObject(QVariantList{QVariant::fromValue(Exception(exception))});
     const QString text = exception.description();
-    exception.details().remove(detail_key::kCause); // the circle would keep it alive
-    EXPECT_TRUE(text.startsWith(u"<IO> cannot delete item { Cause='<IO> cannot delete item {"_qs));
+    const std::string what = exception.what();
+    exception.details().clear(); // the circle would keep it alive
+    EXPECT_EQ(text,
+              u"<IO> cannot delete item { Cause='<IO> cannot delete item', Object='(<IO> cannot delete item)' }"_qs);
+    EXPECT_EQ(what, text.toStdString());
+}
+
+TEST(Exception, IsDescribedAlsoWhenItCausedItsCause)
+{
+    HVException first = io();
+    HVException second = io(u"other"_qs);
+    first.setCause(second);
+    second.setCause(first);
+    const QString text = first.description();
+    first.details().clear();
+    EXPECT_EQ(text, u"<IO> cannot delete item { Cause='<IO> other { Cause='<IO> cannot delete item' }' }"_qs);
+}
+
+TEST(Exception, IsDescribedWithinBoundsHoweverManyTimesItHoldsOthers)
+{
+    HVException outermost = io();
+    for (int i = 0; i < 40; ++i) { // 2^40 paths from the outermost to the innermost
+        const HVException inner = outermost;
+        outermost = io().setCause(inner).setObject(QVariant::fromValue(Exception(inner)));
+    }
+    EXPECT_LT(outermost.description().size(), 20000);
+    EXPECT_EQ(io().description(), u"<IO> cannot delete item"_qs); // and the next one starts anew
+}
+
+TEST(HVException, StoresAnotherExceptionInTheFormThatReadersLookFor)
+{
+    const HVException cause = io(u"inner"_qs);
+    HVException exception = io();
+    exception.setDetail(QVariant::fromValue(cause), detail_key::kCause);
+    EXPECT_TRUE(exception.detail(detail_key::kCause).value<Exception>().isSameObject(cause));
+}
+
+TEST(Exception, ShowsThatNameAndReasonAreMissing)
+{
+    EXPECT_EQ(Exception().description(), u"<(null)> (null)"_qs);
+    EXPECT_EQ(Exception().asError().localizedDescription(), u"(null) error: (null)"_qs);
+    EXPECT_EQ(Exception(u""_qs, u""_qs).description(), u"<> "_qs);
 }
 
 } // namespace

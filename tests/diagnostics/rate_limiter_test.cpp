@@ -170,5 +170,17 @@ TEST_F(RateLimiterTest, KeepsItsWindowWhenNothingWasHeld)
     EXPECT_EQ(m_written, numbers(0, 19998)); // the window still began at the 10000th line
 }
 
+TEST_F(RateLimiterTest, HoldsOnJustInsideTheBoundOfABatchOnly)
+{
+    log(10000, milliseconds(0), milliseconds(0));
+    log(10000, milliseconds(1), milliseconds(0)); // the last one is held, and dates the window
+    log(1998, milliseconds(1), milliseconds(0));
+    logAt(milliseconds(1 + 7199)); // shorter than 7.199942400460797 seconds
+    EXPECT_EQ(m_written.size(), 19999);
+    log(1999, milliseconds(7200), milliseconds(0));
+    logAt(milliseconds(7200 + 7200)); // longer
+    EXPECT_EQ(m_written.size(), 19999 + 4000);
+}
+
 } // namespace
 } // namespace havrel

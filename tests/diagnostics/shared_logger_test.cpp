@@ -245,5 +245,22 @@ TEST(LoggerRegistry, ReplacesAClassOfTheSameName)
     EXPECT_EQ(registry.make(kFile), nullptr);
 }
 
+TEST_F(SharedLoggerTest, KeepsALoggerThatIsInstalledWhileTheFileLoggerIsMade)
+{
+    const auto fallback = std::make_shared<ClosableLogr>();
+    const auto file = std::make_shared<ClosableLogr>();
+    const auto given = std::make_shared<ClosableLogr>();
+    SharedLogger shared(m_registry, EffectiveUser::Ordinary);
+    m_registry.add(kConsole, making(fallback));
+    m_registry.add(kFile, [&]() -> LogrPtr {
+        shared.set(given);
+        return file;
+    });
+    EXPECT_EQ(shared.get(), given);
+    EXPECT_EQ(given->m_closed, 0);
+    EXPECT_EQ(file->m_closed, 1);
+    EXPECT_EQ(fallback->m_closed, 1);
+}
+
 } // namespace
 } // namespace havrel

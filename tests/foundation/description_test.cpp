@@ -2,7 +2,9 @@
 #include "foundation/description.h"
 
 #include "diagnostics/exception.h"
+#include "diagnostics/log_line_ident.h"
 #include "foundation/error.h"
+#include "foundation/index_set.h"
 
 #include <QDateTime>
 
@@ -53,6 +55,12 @@ const std::array kValueCases = {
               QVariant::fromValue(Error(u"D"_qs, 3, {{error_key::kLocalizedDescription, u"no"_qs}})),
               u"Error Domain=D Code=3 \"no\" UserInfo={NSLocalizedDescription = no}"_qs,
               u"NSError"_qs},
+    ValueCase{"index_set", QVariant::fromValue(IndexSet{1, 2}), u"{ 1-2 }"_qs, u"IndexSet"_qs},
+    ValueCase{"line",
+              QVariant::fromValue(LogLineIdent::logLineIdentifierFromString(u"6.3"_qs)),
+              u"6.3"_qs,
+              u"LogLineIdent"_qs},
+    ValueCase{"no_line", QVariant::fromValue(LogLineIdentPtr()), u"(null)"_qs, u"LogLineIdent"_qs},
     ValueCase{"exception", QVariant::fromValue(Exception(u"N"_qs, u"r"_qs)), u"<N> r"_qs, u"NSException"_qs},
 };
 
