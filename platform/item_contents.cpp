@@ -9,6 +9,7 @@
 #include <limits>
 #include <vector>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace havrel::platform {
@@ -65,7 +66,14 @@ private:
         return found > data ? std::min(found, size) : size;
     }
 
-    [[nodiscard]] int setLength(off_t size) const { return itemCalls().ftruncate(m_to, size) == 0 ? 0 : errno; }
+    /// Makes room for a hole at the end, but not for what was cut off meanwhile.
+    [[nodiscard]] int setLength(off_t size) const
+    {
+        struct stat now;
+        if (::fstat(m_from, &now) != 0)
+            return errno;
+        return itemCalls().ftruncate(m_to, std::min(size, now.st_size)) == 0 ? 0 : errno;
+    }
 
     int copyRange(off_t start, off_t end, bool byHand)
     {

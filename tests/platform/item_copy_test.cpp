@@ -388,6 +388,19 @@ TEST(ItemCopy, CopiesAShrinkingFileAsFarAsItReaches)
     EXPECT_EQ(contentsOf(tree.path("b")), std::string(300000, 'z'));
 }
 
+TEST(ItemCopy, DoesNotPadAFileThatShrankBeforeItWasRead)
+{
+    const TemporaryTree tree;
+    write(tree.path("a"), std::string(1000000, 'z'));
+    ReplacedItemCalls calls;
+    calls->clone = [&tree](int, int) {
+        files::resize_file(tree.path("a"), 300000);
+        return FailingCall{EXDEV}();
+    };
+    ASSERT_EQ(copied(tree, "a", "b"), 0);
+    EXPECT_EQ(contentsOf(tree.path("b")), std::string(300000, 'z'));
+}
+
 // ---- failures
 
 TEST(ItemCopy, RefusesATakenNameAndADanglingLink)
