@@ -83,8 +83,8 @@ QByteArray JNPath::decodedCPath(Decoder& decoder)
     QByteArray bytes = decoder.allowsKeyedCoding() ? decoder.decodeBytes(kPathKey) : decoder.decodeBytes();
     if (bytes.isEmpty())
         return {};
-    if (bytes.endsWith('\0'))
-        bytes.chop(1);
+    if (const qsizetype end = bytes.indexOf('\0'); end >= 0) // as C reads it
+        bytes.truncate(end);
     return bytes.isNull() ? QByteArray("") : bytes;
 }
 

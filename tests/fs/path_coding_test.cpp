@@ -80,8 +80,7 @@ TEST(PathCoding, KeepsTheBytesAndTheirNulWithoutAKeyToo)
 TEST(PathCoding, BringsEveryPathBack)
 {
     for (const bool keyed : {true, false}) {
-        for (const QByteArray& bytes :
-             {QByteArray("/a//b/"), QByteArray(""), QByteArray("\xFF\n"), QByteArray("a\0b", 3)}) {
+        for (const QByteArray& bytes : {QByteArray("/a//b/"), QByteArray(""), QByteArray("\xFF\n")}) {
             BlockEncoder encoder(keyed);
             JNPath::withCPath(bytes)->encodeWithCoder(encoder);
             BlockDecoder decoder(encoder.blocks, keyed);
@@ -101,6 +100,16 @@ TEST(PathCoding, TakesBytesThatLostTheirNul)
 {
     BlockDecoder decoder({{kKey, QByteArray("/a")}}, true);
     EXPECT_EQ(JNPath::withCoder(decoder)->cPath(), QByteArray("/a"));
+}
+
+TEST(PathCoding, EndsAtTheFirstNul)
+{
+    for (const QByteArray& bytes : {QByteArray("a\0b", 3), QByteArray("a\0b\0", 4), QByteArray("a\0\0", 3)}) {
+        BlockDecoder decoder({{kKey, bytes}}, true);
+        EXPECT_EQ(JNPath::withCoder(decoder)->cPath(), QByteArray("a"));
+    }
+    BlockDecoder decoder({{kKey, QByteArray("\0b", 2)}}, true);
+    EXPECT_EQ(JNPath::withCoder(decoder)->cPath(), QByteArray(""));
 }
 
 TEST(PathCoding, BringsSubPathsBackWithAParent)
