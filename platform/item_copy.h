@@ -35,7 +35,8 @@ class ItemPlace;
 /// An original that is a mount point or lies in a folder that takes no changes is refused before anything is copied.
 ///
 /// \return 0 or an errno value. The original is then untouched and the copy gone; only when the original could not be
-///         removed, the copy stays beside what is left of it.
+///         removed, the copy stays beside what is left of it. What came to the original or changed there meanwhile is
+///         not removed (ENOTEMPTY; ESTALE for a lone file).
 ///
 /// Threads: any thread.
 [[nodiscard]] int moveAcross(const ItemPlace& from, const ItemPlace& to);

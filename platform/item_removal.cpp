@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <tuple>
 #include <utility>
 
 #include <fcntl.h>
@@ -26,13 +27,46 @@ public:
     void prepare(int /*folder*/) const {}
 };
 
-/// Removes what is on a list; with force it opens its folders, and leaves what does not go.
-class ListedItems
+bool isBefore(const CopiedItem& one, const CopiedItem& other)
+{
+    return one.identity < other.identity;
+}
+
+/// Removes what was copied and did not change since.
+class CopiedItems
 {
 public:
-    ListedItems(std::vector<ino_t> inodes, bool force)
+    explicit CopiedItems(std::vector<CopiedItem> items)
+        : m_items(std::move(items))
+    {
+        std::sort(m_items.begin(), m_items.end(), isBefore);
+    }
+
+    [[nodiscard]] bool takes(int folder, const char* name) const
+    {
+        struct stat status;
+        return ::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && takes(status);
+    }
+    [[nodiscard]] bool takes(const struct stat& status) const
+    {
+        const auto [first, last] = std::equal_range(m_items.begin(), m_items.end(), copiedItem(status), isBefore);
+        // Of a file that was copied under several names every copy must be the newest.
+        return first != last &&
+               std::all_of(first, last, [&](const CopiedItem& item) { return item.isUnchanged(status); });
+    }
+    [[nodiscard]] bool goesOn() const { return false; }
+    void prepare(int /*folder*/) const {}
+
+private:
+    std::vector<CopiedItem> m_items;
+};
+
+/// Removes what a copy made: opens its folders, and leaves what does not go.
+class CreatedItems
+{
+public:
+    explicit CreatedItems(std::vector<ino_t> inodes)
         : m_inodes(std::move(inodes))
-        , m_force(force)
     {
         std::sort(m_inodes.begin(), m_inodes.end());
     }
@@ -43,16 +77,11 @@ public:
         return ::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
                std::binary_search(m_inodes.begin(), m_inodes.end(), status.st_ino);
     }
-    [[nodiscard]] bool goesOn() const { return m_force; }
-    void prepare(int folder) const
-    {
-        if (m_force)
-            (void)::fchmod(folder, S_IRWXU);
-    }
+    [[nodiscard]] bool goesOn() const { return true; }
+    void prepare(int folder) const { (void)::fchmod(folder, S_IRWXU); }
 
 private:
     std::vector<ino_t> m_inodes;
-    bool m_force;
 };
 
 int unlinkItem(int folder, const char* name, int flags)
@@ -163,6 +192,20 @@ private:
 
 } // namespace
 
+bool CopiedItem::isUnchanged(const struct stat& now) const
+{
+    if (identityOf(now) != identity)
+        return false;
+    const bool untouched = std::tie(now.st_size, now.st_mtim.tv_sec, now.st_mtim.tv_nsec) ==
+                           std::tie(size, modified.tv_sec, modified.tv_nsec);
+    return S_ISDIR(now.st_mode) || untouched;
+}
+
+CopiedItem copiedItem(const struct stat& status)
+{
+    return {identityOf(status), status.st_size, status.st_mtim};
+}
+
 int removeItem(const QByteArray& path)
 {
     ItemPlace place;
@@ -175,14 +218,18 @@ int removeItem(const ItemPlace& place)
     return TreeRemoval(AllItems()).remove(place);
 }
 
-int removeListed(const ItemPlace& place, std::vector<ino_t> listed)
+int removeListed(const ItemPlace& place, std::vector<CopiedItem> listed)
 {
-    return TreeRemoval(ListedItems(std::move(listed), false)).remove(place);
+    CopiedItems items(std::move(listed));
+    struct stat status;
+    if (place.look(status) == 0 && !items.takes(status))
+        return ESTALE;
+    return TreeRemoval(std::move(items)).remove(place);
 }
 
 void removeCreated(const ItemPlace& place, std::vector<ino_t> created)
 {
-    (void)TreeRemoval(ListedItems(std::move(created), true)).remove(place);
+    (void)TreeRemoval(CreatedItems(std::move(created))).remove(place);
 }
 
 } // namespace havrel::platform

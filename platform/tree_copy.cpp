@@ -3,7 +3,6 @@
 
 #include "platform/item_calls.h"
 #include "platform/item_contents.h"
-#include "platform/item_removal.h"
 
 #include <cerrno>
 #include <utility>
@@ -72,7 +71,6 @@ int TreeCopy::copyOther(const Pair& pair, const struct stat& status)
         if (severalNames)
             m_links.emplace(identityOf(status), pathOfCopy(pair.to));
     }
-    m_originals.push_back(status.st_ino);
     return 0;
 }
 
@@ -80,6 +78,7 @@ int TreeCopy::copyOther(const Pair& pair, const struct stat& status)
 int TreeCopy::makeOther(const Pair& pair, const struct stat& status)
 {
     int error = 0;
+    m_originals.push_back(copiedItem(status));
     const mode_t mode = (status.st_mode & S_IFMT) | S_IRUSR | S_IWUSR;
     if (S_ISLNK(status.st_mode))
         error = copyLink(pair);
@@ -101,6 +100,7 @@ int TreeCopy::copyFile(const Pair& pair)
     OwnedDescriptor copy(itemCalls().openat(pair.toFolder, pair.to, kMakeFile, S_IRUSR | S_IWUSR));
     if (!copy.isOpen())
         return errno;
+    m_originals.push_back(copiedItem(status));
     int error = noteCreated(copy.get(), "");
     if (error == 0)
         error = copyContents(original.get(), copy.get(), status.st_size);
@@ -170,7 +170,7 @@ int TreeCopy::enter(const Pair& pair)
     m_path = pathOfCopy(pair.to);
     if (::fstat(m_from.last(), &m_levels.back().status) != 0)
         return errno;
-    m_originals.push_back(m_levels.back().status.st_ino);
+    m_originals.push_back(copiedItem(m_levels.back().status));
     return copyFiles();
 }
 

@@ -5,6 +5,7 @@
 #include "platform/folder_stack.h"
 #include "platform/item_attributes.h"
 #include "platform/item_place.h"
+#include "platform/item_removal.h"
 
 #include <QByteArray>
 
@@ -28,8 +29,8 @@ public:
     [[nodiscard]] AttributeOutcome copy(const ItemPlace& from);
     /// Removes what this copy made, and nothing else.
     void takeBack();
-    /// The inodes of everything that was copied.
-    [[nodiscard]] const std::vector<ino_t>& originals() const noexcept { return m_originals; }
+    /// Everything that was copied, as it was just before.
+    [[nodiscard]] const std::vector<CopiedItem>& originals() const noexcept { return m_originals; }
 
 private:
     struct Level
@@ -75,7 +76,7 @@ private:
     QByteArray m_path;                          // of the last folder's copy, from the folder of the place
     std::map<ItemIdentity, QByteArray> m_links; // originals with several names, and the first copy's path
     std::vector<ino_t> m_created;
-    std::vector<ino_t> m_originals;
+    std::vector<CopiedItem> m_originals;
     bool m_lost = false;
 };
 

@@ -12,6 +12,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <fstream>
 
 #include <sys/mount.h>
 #include <sys/sysmacros.h>
@@ -694,6 +695,46 @@ TEST(ItemCopy, RemovesNothingThatCameWhileItWasMoved)
     };
     EXPECT_EQ(moveAcross(places.from, places.to), ENOTEMPTY);
     EXPECT_EQ(namesBelow(tree.root()), (std::vector<std::string>{"folder", "folder/new", "moved", "moved/file"}));
+}
+
+TEST(ItemCopy, RemovesNoFileThatChangedAfterItWasCopied)
+{
+    for (const char* moved : {"folder", "folder/file"}) {
+        const TemporaryTree tree({"folder/file", "folder/other"});
+        Places places(tree, moved, "moved");
+        ReplacedItemCalls calls;
+        calls->syncfs = [&tree](int folder) {
+            std::ofstream(tree.path("folder/file"), std::ios::app) << "precious";
+            return systemItemCalls().syncfs(folder);
+        };
+        EXPECT_EQ(moveAcross(places.from, places.to), moved == std::string("folder") ? ENOTEMPTY : ESTALE);
+        EXPECT_EQ(contentsOf(tree.path("folder/file")), "precious");
+        EXPECT_TRUE(nameExists(tree.path("moved")));
+    }
+}
+
+TEST(ItemCopy, RemovesNoFileThatWasRewrittenAtTheSameLength)
+{
+    const TemporaryTree tree({"folder/"});
+    write(tree.path("folder/file"), "old");
+    setTimes(tree.path("folder/file"), 1000000000, 1234567890);
+    Places places(tree, "folder", "moved");
+    ReplacedItemCalls calls;
+    calls->syncfs = [&tree](int folder) {
+        write(tree.path("folder/file"), "new");
+        return systemItemCalls().syncfs(folder);
+    };
+    EXPECT_EQ(moveAcross(places.from, places.to), ENOTEMPTY);
+    EXPECT_EQ(contentsOf(tree.path("folder/file")), "new");
+}
+
+TEST(ItemCopy, MovesFilesWithSeveralNames)
+{
+    const TemporaryTree tree({"folder/one"});
+    files::create_hard_link(tree.path("folder/one"), tree.path("folder/two"));
+    Places places(tree, "folder", "moved");
+    EXPECT_EQ(moveAcross(places.from, places.to), 0);
+    EXPECT_EQ(namesBelow(tree.root()), (std::vector<std::string>{"moved", "moved/one", "moved/two"}));
 }
 
 } // namespace

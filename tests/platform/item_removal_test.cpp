@@ -150,9 +150,9 @@ TEST(ItemRemoval, OfAListLeavesTheRest)
     const TemporaryTree tree({"folder/mine", "folder/theirs", "folder/inner/mine"});
     ItemPlace place;
     ASSERT_EQ(place.find(tree.bytes("folder")), 0);
-    std::vector<ino_t> listed;
+    std::vector<CopiedItem> listed;
     for (const char* name : {"folder", "folder/mine", "folder/inner", "folder/inner/mine"})
-        listed.push_back(statusOf(tree.path(name)).st_ino);
+        listed.push_back(copiedItem(statusOf(tree.path(name))));
     EXPECT_EQ(removeListed(place, listed), ENOTEMPTY);
     EXPECT_EQ(namesBelow(tree.root()), (std::vector<std::string>{"folder", "folder/theirs"}));
 }
