@@ -66,7 +66,7 @@ int TreeCopy::copyOther(const Pair& pair, const struct stat& status)
 {
     const bool severalNames = status.st_nlink > 1;
     if (!severalNames || !linkToCopy(pair, status)) {
-        if (const int error = S_ISREG(status.st_mode) ? copyFile(pair) : makeOther(pair, status); error != 0)
+        if (const int error = S_ISREG(status.st_mode) ? copyFile(pair, status) : makeOther(pair, status); error != 0)
             return error;
         if (severalNames)
             m_links.emplace(identityOf(status), pathOfCopy(pair.to));
@@ -89,13 +89,14 @@ int TreeCopy::makeOther(const Pair& pair, const struct stat& status)
     return error == 0 ? copyAttributesByName(pair, status) : error;
 }
 
-int TreeCopy::copyFile(const Pair& pair)
+/// \param looked by which links to the copy are made later: it must be the very item.
+int TreeCopy::copyFile(const Pair& pair, const struct stat& looked)
 {
     const OwnedDescriptor original(itemCalls().openat(pair.fromFolder, pair.from, kOpenToRead, 0));
     struct stat status;
     if (!original.isOpen() || ::fstat(original.get(), &status) != 0)
         return errno;
-    if (!S_ISREG(status.st_mode)) // it has become something else
+    if (!S_ISREG(status.st_mode) || identityOf(status) != identityOf(looked)) // it has become something else
         return ESTALE;
     OwnedDescriptor copy(itemCalls().openat(pair.toFolder, pair.to, kMakeFile, S_IRUSR | S_IWUSR));
     if (!copy.isOpen())

@@ -50,7 +50,7 @@ private:
 
     int copyOther(const Pair& pair, const struct stat& status);
     int makeOther(const Pair& pair, const struct stat& status);
-    int copyFile(const Pair& pair);
+    int copyFile(const Pair& pair, const struct stat& looked);
     int copyLink(const Pair& pair);
     int copyAttributesByName(const Pair& pair, const struct stat& status);
     int keepAttributes(int original, int copy, const struct stat& status);

@@ -539,6 +539,20 @@ TEST(ItemCopy, LeavesOutWhatVanishesMeanwhile)
     EXPECT_EQ(namesBelow(tree.path("copy")), std::vector<std::string>{"kept"});
 }
 
+TEST(ItemCopy, FailsWhenAFileIsReplacedBetweenTheLookAndTheCopy)
+{
+    const TemporaryTree tree({"folder/one", "other"});
+    files::create_hard_link(tree.path("folder/one"), tree.path("folder/two"));
+    ReplacedItemCalls calls;
+    calls->openat = [&tree](int folder, const char* name, int flags, mode_t mode) {
+        if (QByteArrayView(name) == "one" && nameExists(tree.path("other")))
+            files::rename(tree.path("other"), tree.path("folder/one"));
+        return systemItemCalls().openat(folder, name, flags, mode);
+    };
+    EXPECT_EQ(copied(tree, "folder", "copy"), ESTALE);
+    EXPECT_FALSE(nameExists(tree.path("copy")));
+}
+
 TEST(ItemCopy, FailsWhenTheItemItselfIsMissing)
 {
     const TemporaryTree tree;
