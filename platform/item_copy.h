@@ -23,8 +23,10 @@ class ItemPlace;
 /// Hard links between items of the tree are kept where the file system can and the names are not too long. Until the
 /// last step only this user can get at a copied folder. Items of the tree that vanish meanwhile are left out.
 ///
-/// \return an error EEXIST when something is at \p to, a dangling link too. On any error everything that this copy
-///         made is removed again, and nothing else.
+/// \return an error EEXIST when something is at \p to, a dangling link too; EINVAL when the copy turns up inside of
+/// what
+///         is copied, through a mount; ESTALE when a file was replaced by another meanwhile. On any error everything
+///         that this copy made is removed again, and nothing else.
 ///
 /// Threads: any thread.
 [[nodiscard]] AttributeOutcome copyItem(const ItemPlace& from, const ItemPlace& to, AttributeLoss loss);
@@ -32,7 +34,8 @@ class ItemPlace;
 /// Moves an item to another file system: copies it, sees to it that the copy is on the disk, and removes the original.
 /// Attributes that the other file system does not keep are refused (ENOTSUP).
 ///
-/// An original that is a mount point or lies in a folder that takes no changes is refused before anything is copied.
+/// An original that is a mount point or lies in a folder that takes no changes is refused before anything is copied;
+/// one that holds a mount point as soon as the copy comes to it (EBUSY).
 ///
 /// \return 0 or an errno value. The original is then untouched and the copy gone; only when the original could not be
 ///         removed, the copy stays beside what is left of it. What came to the original or changed there meanwhile is

@@ -3,6 +3,7 @@
 
 #include "platform/item_calls.h"
 #include "platform/item_contents.h"
+#include "platform/items.h"
 
 #include <cerrno>
 #include <utility>
@@ -163,7 +164,10 @@ int TreeCopy::enter(const Pair& pair)
 {
     if (const int error = m_from.enter(pair.fromFolder, pair.from); error != 0)
         return error;
-    if (const int error = makeFolder(pair); error != 0) {
+    int error = refuseLast();
+    if (error == 0)
+        error = makeFolder(pair);
+    if (error != 0) {
         m_from.leave();
         return error;
     }
@@ -175,13 +179,26 @@ int TreeCopy::enter(const Pair& pair)
     return copyFiles();
 }
 
+/// Whether the folder just entered must not be copied: it is the copy itself, which a mount brought into the tree, or
+/// something is mounted there that a move could not remove afterwards.
+int TreeCopy::refuseLast() const
+{
+    if (m_top == m_from.identityOfLast())
+        return EINVAL;
+    return m_loss == AttributeLoss::Refused && isMountPoint(m_from.last()) ? EBUSY : 0;
+}
+
 /// Makes the copy of a folder and goes into it. Until it is finished nobody else can.
 int TreeCopy::makeFolder(const Pair& pair)
 {
     if (itemCalls().mkdirat(pair.toFolder, pair.to, S_IRWXU) != 0)
         return errno;
-    const int error = noteCreated(pair.toFolder, pair.to);
-    return error == 0 ? m_to.enter(pair.toFolder, pair.to) : error;
+    int error = noteCreated(pair.toFolder, pair.to);
+    if (error == 0)
+        error = m_to.enter(pair.toFolder, pair.to);
+    if (error == 0 && !m_top)
+        m_top = m_to.identityOfLast();
+    return error;
 }
 
 int TreeCopy::copyFiles()

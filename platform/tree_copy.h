@@ -10,6 +10,7 @@
 #include <QByteArray>
 
 #include <map>
+#include <optional>
 #include <vector>
 
 #include <sys/stat.h>
@@ -59,6 +60,7 @@ private:
     int noteCreated(int folder, const char* name);
 
     int enter(const Pair& pair);
+    [[nodiscard]] int refuseLast() const;
     int makeFolder(const Pair& pair);
     int copyFiles();
     int copyChild(const char* name);
@@ -75,6 +77,7 @@ private:
     std::vector<Level> m_levels;
     QByteArray m_path;                          // of the last folder's copy, from the folder of the place
     std::map<ItemIdentity, QByteArray> m_links; // originals with several names, and the first copy's path
+    std::optional<ItemIdentity> m_top;          // the first folder made
     std::vector<ino_t> m_created;
     std::vector<CopiedItem> m_originals;
     bool m_lost = false;

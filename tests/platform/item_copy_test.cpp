@@ -698,6 +698,31 @@ TEST(ItemCopy, MovesNoMountPoint)
     EXPECT_EQ(::umount(tree.path("mounted").c_str()), 0);
 }
 
+TEST(ItemCopy, MovesNothingThatHoldsAMountPoint)
+{
+    const TemporaryTree tree({"folder/file", "folder/inner/mounted/"});
+    const std::string mountPoint = tree.path("folder/inner/mounted");
+    if (::mount("none", mountPoint.c_str(), "tmpfs", 0, "size=64k") != 0)
+        GTEST_SKIP() << "this process may not mount";
+    Places places(tree, "folder", "moved");
+    EXPECT_EQ(moveAcross(places.from, places.to), EBUSY);
+    EXPECT_FALSE(nameExists(tree.path("moved")));
+    EXPECT_TRUE(nameExists(tree.path("folder/file")));
+    EXPECT_EQ(copied(tree, "folder", "copy"), 0);
+    EXPECT_EQ(::umount(mountPoint.c_str()), 0);
+}
+
+TEST(ItemCopy, EndsWhereAMountLeadsIntoTheCopyItself)
+{
+    const TemporaryTree tree({"folder/mounted/", "above/file"});
+    const std::string mountPoint = tree.path("folder/mounted");
+    if (::mount(tree.path("above").c_str(), mountPoint.c_str(), nullptr, MS_BIND, nullptr) != 0)
+        GTEST_SKIP() << "this process may not mount";
+    EXPECT_EQ(copied(tree, "folder", "above/copy"), EINVAL);
+    EXPECT_EQ(namesBelow(tree.path("above")), std::vector<std::string>{"file"});
+    EXPECT_EQ(::umount(mountPoint.c_str()), 0);
+}
+
 TEST(ItemCopy, RemovesNothingThatCameWhileItWasMoved)
 {
     const TemporaryTree tree({"folder/file"});
