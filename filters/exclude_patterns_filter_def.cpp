@@ -61,7 +61,13 @@ void ExcludePatternsFilterDef::encodeWithCoder(Encoder& encoder) const
 
 void ExcludePatternsFilterDef::setPatterns(const std::optional<PatternFilterDefs>& patterns)
 {
-    m_patterns = patterns;
+    assign(m_patterns, patterns, "patterns");
+}
+
+/// The list of patterns; invalid until it is set.
+QVariant ExcludePatternsFilterDef::observedPatterns() const
+{
+    return observedValue(m_patterns);
 }
 
 std::shared_ptr<ExcludePatternsFilterDef> ExcludePatternsFilterDef::copyWithZone()

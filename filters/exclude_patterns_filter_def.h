@@ -8,12 +8,13 @@
 
 namespace havrel {
 
-/// Leaves out whatever one of its patterns names.
+/// Leaves out whatever one of its patterns names. Setting another list tells the observers of `patterns`.
 ///
 /// Threads: one thread at a time.
 class ExcludePatternsFilterDef : public ExcludeMultipleItemsFilterDef
 {
     Q_OBJECT
+    Q_PROPERTY(QVariant patterns READ observedPatterns)
 
 public:
     ExcludePatternsFilterDef() = default; ///< \selector init
@@ -37,6 +38,8 @@ protected:
     [[nodiscard]] std::shared_ptr<FilterDefinition> makeCopy() override;
 
 private:
+    [[nodiscard]] QVariant observedPatterns() const;
+
     std::optional<PatternFilterDefs> m_patterns;
 };
 

@@ -2,6 +2,7 @@
 #include "filters/exclude_patterns_filter_def.h"
 
 #include "filters/pattern_filter_def.h"
+#include "foundation/observing.h"
 #include "tests/support/key_table_coder.h"
 
 #include <gtest/gtest.h>
@@ -64,6 +65,28 @@ TEST(ExcludePatternsFilterDef, KeepsItsOwnListWhenTheCallersChanges)
     list.clear();
 
     EXPECT_EQ(definition->patterns()->size(), 1);
+}
+
+TEST(ExcludePatternsFilterDef, TellsItsObserversOfAnotherList)
+{
+    const auto definition = std::make_shared<ExcludePatternsFilterDef>();
+    const PatternFilterDefs list = patterns({"a"});
+    QVariantList changes;
+    observeProperty(
+        *definition,
+        "patterns",
+        ObservationOptions::NoInitialCall,
+        [&changes](QObject*, QObject*, const QVariant& before, const QVariant& now) { changes << before << now; });
+
+    definition->setPatterns(list);
+    definition->setPatterns(list);
+    definition->setPatterns(std::nullopt);
+
+    const QVariant value = QVariant::fromValue(list);
+    EXPECT_EQ(changes, (QVariantList{QVariant(), value, value, QVariant()}));
+    EXPECT_FALSE(definition->property("patterns").isValid());
+    definition->setPatterns(list);
+    EXPECT_EQ(definition->property("patterns"), value);
 }
 
 TEST(ExcludePatternsFilterDef, EqualsOneWithEqualPatternsInTheSameOrder)
