@@ -64,8 +64,9 @@ public:
 
 private:
     void endWith(QObject& sender);
+    void forget(const QObject* sender);
     template<class Condition>
-    void removeIf(Condition condition);
+    std::vector<std::shared_ptr<Entry>> takeIf(Condition condition);
 
     std::mutex m_lock;
     std::vector<std::shared_ptr<Entry>> m_entries;       // guarded by m_lock
@@ -89,26 +90,38 @@ void NotificationRegistration::Entries::endWith(QObject& sender)
     }
     mtk_addDeallocationCallback(sender, [weak = weak_from_this()](const QObject* dying) {
         if (const auto entries = weak.lock())
-            entries->removeIf([dying](const Entry& entry) { return entry.sender.object == dying; });
+            entries->forget(dying);
     });
+}
+
+/// Its address goes too: the next object there is another one, whose death we must hear of anew.
+void NotificationRegistration::Entries::forget(const QObject* sender)
+{
+    std::vector<std::shared_ptr<Entry>> removed; // what their blocks hold goes outside the lock
+    const std::lock_guard guard(m_lock);
+    m_watchedSenders.erase(sender);
+    removed = takeIf([sender](const Entry& entry) { return entry.sender.object == sender; });
 }
 
 void NotificationRegistration::Entries::remove(const Entry& entry)
 {
-    removeIf([&entry](const Entry& each) { return &each == &entry; });
-}
-
-template<class Condition>
-void NotificationRegistration::Entries::removeIf(Condition condition)
-{
-    std::vector<std::shared_ptr<Entry>> left;
     std::vector<std::shared_ptr<Entry>> removed; // what their blocks hold goes outside the lock
     const std::lock_guard guard(m_lock);
+    removed = takeIf([&entry](const Entry& each) { return &each == &entry; });
+}
+
+/// Under m_lock, which the caller holds: removes and ends the entries.
+template<class Condition>
+auto NotificationRegistration::Entries::takeIf(Condition condition) -> std::vector<std::shared_ptr<Entry>>
+{
+    std::vector<std::shared_ptr<Entry>> left;
+    std::vector<std::shared_ptr<Entry>> removed;
     for (auto& entry : m_entries)
         (condition(*entry) ? removed : left).push_back(std::move(entry));
     m_entries.swap(left);
     for (const auto& entry : removed)
         entry->active = false;
+    return removed;
 }
 
 auto NotificationRegistration::Entries::wanting(const QString& name, const Sender& sender)

@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstddef>
 #include <future>
 #include <thread>
 
@@ -112,6 +114,29 @@ TEST_F(NotificationCenterFixture, EndsARegistrationWithTheSenderItIsAbout)
 
     EXPECT_FALSE(first.isActive());
     EXPECT_FALSE(second.isActive());
+}
+
+template<class Sender>
+class NotificationSenders : public NotificationCenterFixture
+{
+};
+
+using Senders = ::testing::Types<ObservedBook, QObject>;
+TYPED_TEST_SUITE(NotificationSenders, Senders);
+
+TYPED_TEST(NotificationSenders, AreHeardOfOneAfterTheOtherAtOneAddress)
+{
+    alignas(TypeParam) std::array<std::byte, sizeof(TypeParam)> place;
+    for (int i = 0; i < 3; ++i) {
+        auto* sender = new (place.data()) TypeParam;
+        const auto registration = this->on(kDidOpen, QVariant::fromValue(static_cast<QObject*>(sender)));
+        this->m_center.post(kDidOpen, *sender);
+        EXPECT_EQ(this->m_journal.read(), "LibraryDidOpen {}");
+
+        sender->~TypeParam();
+
+        EXPECT_FALSE(registration.isActive()) << "sender " << i;
+    }
 }
 
 TEST_F(NotificationCenterFixture, LetsTheSenderOutliveTheCenter)
