@@ -162,6 +162,12 @@ void NotificationRegistration::end()
         entries->remove(*entry);
 }
 
+void NotificationRegistration::silence() const noexcept
+{
+    if (m_entry)
+        m_entry->active = false;
+}
+
 bool NotificationRegistration::isActive() const noexcept
 {
     return m_entry && m_entry->active;

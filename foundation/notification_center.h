@@ -38,7 +38,9 @@ public:
     /// The block is not called again, even for notifications that wait on its queue. Does not wait for a call that is
     /// under way on another thread.
     void end();
-    /// Neither ended nor outlived by the sender that it is about.
+    /// Calls the block no more, as end() does, but leaves what it holds until the end.
+    void silence() const noexcept;
+    /// Neither ended nor silenced, nor outlived by the sender that it is about.
     [[nodiscard]] bool isActive() const noexcept;
     /// Whether it is about notifications of \p sender only.
     [[nodiscard]] bool isAbout(const QObject& sender) const noexcept;

@@ -139,11 +139,21 @@ ObservationHub::ObservationHub(QObject& object)
 ObservationHub::~ObservationHub()
 {
     Reporting::endAll(m_reporting);
-    m_deallocator.reset();
-    for (const auto& observer : std::exchange(m_owned, {}))
+    // Foreign code comes last, and what the blocks hold goes after it: no block may reach an object without its class.
+    const auto registrations = takeNotificationRegistrations();
+    for (const NotificationRegistration& registration : registrations)
+        registration.silence();
+    const auto watchers = std::exchange(m_watchers, {});
+    const auto owned = std::exchange(m_owned, {});
+    for (const auto& observer : owned)
         observer->detach();
-    for (const auto& watcher : std::exchange(m_watchers, {})) {
-        if (watcher)
+    for (const auto& watcher : watchers) {
+        if (watcher && watcher->asObserver())
+            watcher->objectGone();
+    }
+    m_deallocator.reset();
+    for (const auto& watcher : watchers) {
+        if (watcher && !watcher->asObserver())
             runAtWall([&] { watcher->objectGone(); });
     }
 }

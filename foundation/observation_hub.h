@@ -27,7 +27,8 @@ public:
     [[nodiscard]] static ObservationHub* find(const QObject& object) noexcept;
 
     explicit ObservationHub(QObject& object);
-    /// The object dies: runs its deallocation callbacks, then ends what it owns and what watches it.
+    /// The object dies: ends what it owns and its observers, runs its deallocation callbacks, then tells the key paths
+    /// that lead through it. No block is told of the object from here on.
     ~ObservationHub();
     ObservationHub(const ObservationHub&) = delete;
     ObservationHub& operator=(const ObservationHub&) = delete;

@@ -93,13 +93,13 @@ Selector::Selector(Method method, Owner* /*type*/, std::tuple<Arguments...> /*ty
     m_isMethodOf = [](const QObject& owner) { return dynamic_cast<const Owner*>(&owner) != nullptr; };
     m_block = [method](QObject* owner, QObject* object, const QVariant& oldValue, const QVariant& newValue) {
         const auto given = std::tuple<QObject*, const QVariant&, const QVariant&>(object, oldValue, newValue);
-        const auto call = [&]<std::size_t... Indexes>(std::index_sequence<Indexes...>)
+        const auto call = [&]<std::size_t... Indexes>(Owner * receiver, std::index_sequence<Indexes...>)
         {
-            (dynamic_cast<Owner*>(owner)->*method)(
+            (receiver->*method)(
                 selector_detail::argument(std::type_identity<Arguments>{}, std::get<Indexes>(given))...);
         };
-        if (owner)
-            call(std::index_sequence_for<Arguments...>{});
+        if (auto* const receiver = dynamic_cast<Owner*>(owner)) // not one whose class is gone
+            call(receiver, std::index_sequence_for<Arguments...>{});
     };
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/deallocator.h"
 
+#include "foundation/notification_center.h"
+#include "foundation/observing.h"
 #include "tests/foundation/observed_book.h"
 
 #include <gtest/gtest.h>
@@ -86,6 +88,66 @@ TYPED_TEST(DeallocationCallbacks, RunWhenTheObjectDies)
     ASSERT_EQ(dead.size(), 2U);
     EXPECT_EQ(dead[0], address);
     EXPECT_EQ(dead[1], address);
+}
+
+TYPED_TEST(DeallocationCallbacks, RunWhenNoBlockReachesTheObjectAnyMore)
+{
+    const QString didOpen = QStringLiteral("LibraryDidOpen");
+    ObservedBook book;
+    auto owner = std::make_unique<TypeParam>();
+    int callbacks = 0;
+    int told = 0;
+    mtk_addDeallocationCallback(*owner, [&](QObject*) {
+        ++callbacks;
+        book.setPages(1);
+        NotificationCenter::defaultCenter().post(didOpen);
+    });
+    observeObject({*owner, book}, "pages", ObservationOptions::NoInitialCall, [&told](auto&&...) { ++told; });
+    observeNotification(*owner, didOpen, [&told](auto&&...) { ++told; });
+
+    owner.reset();
+
+    EXPECT_EQ(callbacks, 1);
+    EXPECT_EQ(told, 0);
+}
+
+TEST(DyingObservable, IsNotReachedThroughAKeyPathOfItsOwn)
+{
+    ObservedBook sequel;
+    auto book = std::make_unique<ObservedBook>();
+    book->setSequel(&sequel);
+    int callbacks = 0;
+    int told = 0;
+    mtk_addDeallocationCallback(*book, [&](QObject*) {
+        ++callbacks;
+        sequel.setPages(1);
+    });
+    observeProperty(*book, "sequel.pages", ObservationOptions::NoInitialCall, [&told](auto&&...) { ++told; });
+
+    book.reset();
+
+    EXPECT_EQ(callbacks, 1);
+    EXPECT_EQ(told, 0);
+}
+
+TEST(DyingObservable, IsNotReachedByWhatItsBlocksHeld)
+{
+    const QString didOpen = QStringLiteral("LibraryDidOpen");
+    auto owner = std::make_unique<ObservedBook>();
+    int posts = 0;
+    int told = 0;
+    for (int i = 0; i < 2; ++i) {
+        const std::shared_ptr<void> posting(nullptr, [&posts, didOpen](void*) {
+            ++posts;
+            NotificationCenter::defaultCenter().post(didOpen);
+        });
+        observeNotification(*owner, didOpen, [&told, posting](auto&&...) { ++told; });
+    }
+
+    owner.reset();
+
+    EXPECT_EQ(posts, 2);
+    EXPECT_EQ(told, 0);
 }
 
 TYPED_TEST(DeallocationCallbacks, AreAskedForOnceHoweverOftenOneAsks)

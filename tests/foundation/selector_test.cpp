@@ -133,5 +133,19 @@ TEST(Selector, GivesTheDefaultOfATypeThatTheValueDoesNotConvertTo)
     EXPECT_EQ(reader.read(), "converted  0 0");
 }
 
+TEST(SelectorBlock, CallsNothingOnAnOwnerWhoseClassIsGone)
+{
+    ObservedReader reader;
+    QObject rest;
+    const SettingBlock block = Selector(&ObservedReader::turned).blockFor(reader);
+
+    block(&rest, &rest, 0, 1);
+    block(nullptr, &rest, 0, 1);
+    EXPECT_EQ(reader.read(), "");
+    block(&reader, &rest, 0, 1);
+
+    EXPECT_EQ(reader.read(), "turned");
+}
+
 } // namespace
 } // namespace havrel
