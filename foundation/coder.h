@@ -40,6 +40,9 @@ public:
     /// and instances of archivable classes, but none that is just being encoded further out, and none that would nest
     /// too deep. For objects that would rather archive a stand-in than fail.
     [[nodiscard]] virtual bool canEncodeObject(const QVariant& /*object*/) const { return true; }
+    /// Says that what is being encoded will unfold to \p objects more than were given one by one.
+    /// \throws HVException "Bug" when that is more than may be read back.
+    virtual void charge(quint64 /*objects*/) {}
 };
 
 /// Where an object reads its fields back. A missing key gives nil, false, 0 or no bytes.
@@ -68,6 +71,10 @@ public:
     [[nodiscard]] virtual QVariant decodeObject() = 0;
     [[nodiscard]] virtual quint32 decodeUnsigned32() = 0;
     [[nodiscard]] virtual QByteArray decodeBytes() = 0;
+
+    /// To be called before few bytes are unfolded to \p objects.
+    /// \throws HVException "Bug" when all that was read would be too much.
+    virtual void charge(quint64 /*objects*/) {}
 };
 
 /// How archives treat instances of one class: a row that each archivable class adds to the table of classes.

@@ -41,19 +41,23 @@ std::optional<quint64> takeGroups(const QByteArray& bytes, qsizetype& at)
 }
 
 /// Adds a range that lies behind all that are there; refuses others and what would make the set too large.
-void addRange(IndexSet& set, const Range& range)
+void addRange(IndexSet& set, const Range& range, Decoder& decoder)
 {
     const auto room = static_cast<quint64>(kMostPropertyListObjects) - set.count();
-    const quint64 behind = set.isEmpty() ? 0 : *(set.end() - 1) + 1;
-    if (range.length > room || range.location < behind || range.location + range.length < range.location)
+    const bool isBehind = set.isEmpty() || range.location > *(set.end() - 1);
+    const bool wraps = range.length > 0 && range.location + (range.length - 1) < range.location;
+    if (range.length > room || !isBehind || wraps)
         raiseInvalidArchive(QStringLiteral("a set of indexes is damaged or too large"));
+    decoder.charge(range.length);
     for (quint64 i = 0; i < range.length; ++i)
         set.addIndex(range.location + i);
 }
 
 void encode(const QVariant& object, Encoder& encoder)
 {
-    const std::vector<Range> ranges = object.value<IndexSet>().ranges();
+    const auto set = object.value<IndexSet>();
+    encoder.charge(set.count());
+    const std::vector<Range> ranges = set.ranges();
     encoder.encodeInteger(static_cast<qint64>(ranges.size()), kRangeCount);
     if (ranges.size() == 1) {
         encoder.encodeInteger(static_cast<qint64>(ranges.front().location), kLocation);
@@ -69,15 +73,16 @@ void encode(const QVariant& object, Encoder& encoder)
     encoder.encodeBytes(bytes, kRangeData);
 }
 
-void addRangeData(IndexSet& set, const QByteArray& bytes, qint64 count)
+void addRangeData(IndexSet& set, Decoder& decoder, qint64 count)
 {
+    const QByteArray bytes = decoder.decodeBytes(kRangeData);
     qsizetype at = 0;
     for (qint64 i = 0; i < count; ++i) {
         const auto location = takeGroups(bytes, at);
         const auto length = takeGroups(bytes, at);
         if (!location || !length)
             raiseInvalidArchive(QStringLiteral("a set of indexes is cut"));
-        addRange(set, {*location, *length});
+        addRange(set, {*location, *length}, decoder);
     }
 }
 
@@ -88,9 +93,10 @@ QVariant decode(Decoder& decoder)
     if (count == 1)
         addRange(set,
                  {static_cast<quint64>(decoder.decodeInteger(kLocation)),
-                  static_cast<quint64>(decoder.decodeInteger(kLength))});
+                  static_cast<quint64>(decoder.decodeInteger(kLength))},
+                 decoder);
     else
-        addRangeData(set, decoder.decodeBytes(kRangeData), count);
+        addRangeData(set, decoder, count);
     return QVariant::fromValue(set);
 }
 

@@ -112,6 +112,13 @@ void KeyedArchiver::encodeBytes(const QByteArray& /*bytes*/)
     raiseUnkeyed();
 }
 
+void KeyedArchiver::charge(quint64 objects)
+{
+    if (objects > static_cast<quint64>(kMostPropertyListObjects - m_visited))
+        raiseCannotEncode(property_list_fault::tooManyValues());
+    m_visited += static_cast<int>(objects);
+}
+
 void KeyedArchiver::store(const QVariant& value, const QString& key)
 {
     m_fields.insert(fieldName(key), value);
@@ -119,8 +126,7 @@ void KeyedArchiver::store(const QVariant& value, const QString& key)
 
 QVariant KeyedArchiver::add(const QVariant& object)
 {
-    if (++m_visited > kMostPropertyListObjects)
-        raiseCannotEncode(property_list_fault::tooManyValues());
+    charge(1);
     if (m_depth == kDeepest)
         raiseCannotEncode(QStringLiteral("its objects nest deeper than %1 levels").arg(kDeepest));
     ++m_depth;

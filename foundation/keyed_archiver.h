@@ -33,6 +33,7 @@ public:
     void encodeObject(const QVariant& object) override;
     void encodeUnsigned32(quint32 value) override;
     void encodeBytes(const QByteArray& bytes) override;
+    void charge(quint64 objects) override;
 
 private:
     /// A reference as it stands in a field.

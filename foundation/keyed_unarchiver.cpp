@@ -152,12 +152,12 @@ QByteArray KeyedUnarchiver::decodeBytes()
 QVariant KeyedUnarchiver::decodeReference(const QVariant& reference)
 {
     const qsizetype index = indexOf(reference);
-    count(1);
+    charge(1);
     if (index == 0)
         return {};
     const Key key(index, m_classes);
     if (const auto known = m_decoded.constFind(key); known != m_decoded.cend()) {
-        count(known->weight);
+        charge(static_cast<quint64>(known->weight));
         return known->object;
     }
     const int before = m_visited;
@@ -176,11 +176,11 @@ qsizetype KeyedUnarchiver::indexOf(const QVariant& reference) const
     return static_cast<qsizetype>(number);
 }
 
-void KeyedUnarchiver::count(int objects)
+void KeyedUnarchiver::charge(quint64 objects)
 {
-    m_visited += objects;
-    if (m_visited > kMostPropertyListObjects)
+    if (objects > static_cast<quint64>(kMostPropertyListObjects - m_visited))
         raiseInvalidArchive(property_list_fault::tooManyValues());
+    m_visited += static_cast<int>(objects);
 }
 
 QVariant KeyedUnarchiver::decodeAt(qsizetype index)
@@ -292,7 +292,7 @@ QVariant KeyedUnarchiver::instanceAt(qsizetype index, const ArchivableClass& arc
 {
     const Key key(index, kAnySet);
     if (const auto known = m_decoded.constFind(key); known != m_decoded.cend()) {
-        count(known->weight);
+        charge(static_cast<quint64>(known->weight));
         return known->object;
     }
     const int before = m_visited;

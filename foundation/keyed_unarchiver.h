@@ -39,6 +39,7 @@ public:
     [[nodiscard]] QVariant decodeObject() override;
     [[nodiscard]] quint32 decodeUnsigned32() override;
     [[nodiscard]] QByteArray decodeBytes() override;
+    void charge(quint64 objects) override;
 
 private:
     /// What an index led to, and how many objects it unfolds to.
@@ -62,7 +63,6 @@ private:
     QString classNameOf(const QVariantMap& fields) const;
     void checkClass(const QString& name, const QStringList& superclasses) const;
     int indexOfClasses(const QStringList& classes);
-    void count(int objects);
 
     const SecureCoding m_requiring;
     QVariant m_top;

@@ -136,17 +136,34 @@ TEST_F(Archiving, KeepsErrorsThatHoldWhatCannotBeArchived)
 
 TEST_F(Archiving, KeepsIndexSets)
 {
-    constexpr auto kFar = std::numeric_limits<IndexSet::Index>::max() - 1;
+    constexpr auto kFarthest = std::numeric_limits<IndexSet::Index>::max();
+    constexpr auto kFar = kFarthest - 1;
     for (const IndexSet& set : {IndexSet{},
                                 IndexSet{0},
                                 IndexSet{5, 6, 7},
                                 IndexSet{0, 1, 2, 5, 300, 70000},
                                 IndexSet{kFar},
-                                IndexSet{3, kFar}}) {
+                                IndexSet{3, kFar},
+                                IndexSet{kFarthest},
+                                IndexSet{kFar, kFarthest},
+                                IndexSet{0, kFarthest}}) {
         const QByteArray data = dataForRootObject(QVariant::fromValue(set));
 
         EXPECT_EQ(archivedObjectOfClass(data, latin("NSIndexSet")).value<IndexSet>(), set);
     }
+}
+
+TEST_F(Archiving, CountsEachIndexOfASetAsAnObject)
+{
+    IndexSet set;
+    for (IndexSet::Index i = 0; i < kMostPropertyListObjects - 1; ++i)
+        set.addIndex(i);
+
+    const QByteArray data = dataForRootObject(QVariant::fromValue(set));
+    EXPECT_EQ(archivedObjectOfClass(data, latin("NSIndexSet")).value<IndexSet>(), set);
+    set.addIndex(kMostPropertyListObjects);
+
+    expectBug([&] { return dataForRootObject(QVariant::fromValue(set)); }, "cannot encode object", "1000000 values");
 }
 
 TEST_F(Archiving, WritesASharedObjectOnceAndSharesItAgain)

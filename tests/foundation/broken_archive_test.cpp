@@ -176,6 +176,12 @@ const std::vector<BrokenCase>& brokenCases()
         {"range_beyond_64_bits",
          instanceOf("NSIndexSet", {{latin("NSRangeCount"), 1}, {latin("NSLocation"), -2}, {latin("NSLength"), 5}}),
          "a set of indexes is damaged or too large"},
+        {"range_behind_64_bits",
+         instanceOf("NSIndexSet", {{latin("NSRangeCount"), 1}, {latin("NSLocation"), -1}, {latin("NSLength"), 2}}),
+         "a set of indexes is damaged or too large"},
+        {"range_behind_the_last_index",
+         range(2, QByteArray(9, '\xff') + QByteArray("\1\1\0\1", 4)),
+         "a set of indexes is damaged or too large"},
         {"ranges_cut", range(2, QByteArray("\1\1\5", 3)), "a set of indexes is cut"},
         {"ranges_missing", range(1'000'000'000, {}), "a set of indexes is cut"},
         {"ranges_descending", range(2, QByteArray("\5\1\1\1", 4)), "a set of indexes is damaged"},
@@ -191,6 +197,31 @@ const std::vector<BrokenCase>& brokenCases()
 INSTANTIATE_TEST_SUITE_P(Cases, BrokenArchive, ::testing::ValuesIn(brokenCases()), [](const auto& each) {
     return std::string(each.param.label);
 });
+
+/// A list of a thousand sets that hold so many indexes each.
+QByteArray archiveOfSets(qint64 indexes)
+{
+    constexpr quint64 kSets = 1000;
+    QVariantList references;
+    QVariantList sets;
+    for (quint64 i = 0; i < kSets; ++i) {
+        references << uid(4 + i);
+        sets << QVariantMap{{latin("$class"), uid(3)},
+                            {latin("NSRangeCount"), 1},
+                            {latin("NSLocation"), 0},
+                            {latin("NSLength"), indexes}};
+    }
+    const QVariantMap list{{latin("$class"), uid(2)}, {latin("NS.objects"), references}};
+    return archiveOf(QVariantList{list, classNamed("NSArray"), classNamed("NSIndexSet")} + sets);
+}
+
+TEST(HostileArchive, ThatUnfoldsToManyLargeSetsOfIndexesIsRefused)
+{
+    EXPECT_EQ(archivedObject(archiveOfSets(998)).toList().size(), 1000);
+    for (const qint64 indexes : {1000, 400'000, 1'000'000})
+        expectBug(
+            [&] { return archivedObject(archiveOfSets(indexes)); }, "invalid archive data", "more than 1000000 values");
+}
 
 TEST(HostileArchive, ThatUnfoldsToBillionsOfObjectsIsRefused)
 {
