@@ -323,6 +323,23 @@ TEST_F(ObservingNotifications, TellsOfOneSenderOnly)
     EXPECT_EQ(m_journal.read(), " LibraryDidOpen;  LibraryDidClose");
 }
 
+TEST_F(ObservingNotifications, TellsOnTheQueueOnWhichItWasAskedFor)
+{
+    SerialQueue queue(QStringLiteral("test"));
+    queue.sync([&] {
+        observeNotification(m_owner, kDidOpen, [&](QObject*, const Notification& each) {
+            m_journal.write(queue.isCurrent() ? each.name : QStringLiteral("elsewhere"));
+        });
+    });
+
+    post(kDidOpen);
+    queue.barrier();
+    EXPECT_EQ(m_journal.read(), "LibraryDidOpen");
+    queue.sync([] { post(kDidOpen); });
+
+    EXPECT_EQ(m_journal.read(), "LibraryDidOpen");
+}
+
 TEST_F(ObservingNotifications, TellsOfEachNameFromEachSender)
 {
     const QString one = QStringLiteral("one");

@@ -16,6 +16,8 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <unistd.h>
 
@@ -225,6 +227,32 @@ TEST_F(ProcessIdentity, RunsAsRootAndBackWhenTheRealUserIsRoot)
     EXPECT_EQ(identity.effectiveGroup(), 1001U) << "root's group is given up, too";
 }
 
+TEST_F(ProcessIdentity, TakesRootFirstAndGivesItUpLast)
+{
+    using Changes = std::vector<std::string>;
+    FakeIdentity identity(Ids{0, 1000, 0}, Ids{5, 1001, 7});
+    Process::captureNow();
+
+    EXPECT_TRUE(Process::runAsRoot());
+    EXPECT_EQ(std::exchange(identity.changes, {}), (Changes{"user 0", "group 5"}));
+    EXPECT_TRUE(Process::runAsUser());
+    EXPECT_EQ(identity.changes, (Changes{"group 1001", "user 1000"}));
+}
+
+TEST_F(ProcessIdentity, SaysWhenItCouldNotGiveUpRoot)
+{
+    FakeIdentity identity(Ids{0, 1000, 0}, Ids{0, 1001, 0});
+    Process::captureNow();
+    ASSERT_TRUE(Process::runAsRoot());
+    identity.refusal = EINVAL;
+
+    EXPECT_FALSE(Process::runAsUser());
+
+    EXPECT_TRUE(Process::isRunningAsRoot());
+    identity.refusal = 0;
+    EXPECT_TRUE(Process::runAsUser());
+}
+
 TEST_F(ProcessIdentity, CannotRunAsRootWhenTheRealUserIsAnother)
 {
     FakeIdentity identity(Ids{1000, 1000, 1000}, Ids{1000, 1000, 1000});
@@ -242,7 +270,7 @@ TEST_F(ProcessIdentity, ChangesNothingWhenAlreadyThatUser)
 
     EXPECT_TRUE(Process::runAsRoot());
     EXPECT_TRUE(Process::runAsUser()) << "started as root";
-    EXPECT_EQ(identity.changes, 0);
+    EXPECT_TRUE(identity.changes.empty());
     EXPECT_EQ(identity.effectiveUser(), 0U);
 }
 
@@ -252,10 +280,10 @@ TEST_F(ProcessIdentity, ChangesNothingAsUserWhenNotRoot)
     Process::captureNow();
     EXPECT_EQ(identity.setEffectiveUser(0), 0);
     EXPECT_EQ(identity.setEffectiveUser(2000), 0);
-    identity.changes = 0;
+    identity.changes.clear();
 
     EXPECT_TRUE(Process::runAsUser()) << "not root, though not the captured user either";
-    EXPECT_EQ(identity.changes, 0);
+    EXPECT_TRUE(identity.changes.empty());
 }
 
 TEST_F(ProcessIdentity, LeavesTheIdentityAloneWhenRootIsAllowed)
@@ -265,7 +293,7 @@ TEST_F(ProcessIdentity, LeavesTheIdentityAloneWhenRootIsAllowed)
     Process::setAllowRootUser(true);
     Process::setAllowRootUser(false);
 
-    EXPECT_EQ(identity.changes, 0);
+    EXPECT_TRUE(identity.changes.empty());
     EXPECT_TRUE(Process::runAsRoot());
 }
 

@@ -4,6 +4,8 @@
 #include "platform/identity.h"
 
 #include <cerrno>
+#include <string>
+#include <vector>
 
 namespace havrel {
 
@@ -37,15 +39,19 @@ public:
     uid_t effectiveUser() const override { return m_user.effective; }
     gid_t realGroup() const override { return m_group.real; }
     gid_t effectiveGroup() const override { return m_group.effective; }
-    int setEffectiveUser(uid_t user) override { return set(m_user, user); }
-    int setEffectiveGroup(gid_t group) override { return set(m_group, group); }
+    int setEffectiveUser(uid_t user) override { return set("user ", m_user, user); }
+    int setEffectiveGroup(gid_t group) override { return set("group ", m_group, group); }
 
-    int changes = 0; ///< that were made or refused
+    std::vector<std::string> changes; ///< that were made or refused, in order: "user 0", "group 5"
+    int refusal =
+        0; ///< errno code of every change, such as EINVAL for ids that the user namespace does not map; 0: none
 
 private:
-    int set(Ids& ids, uid_t wanted)
+    int set(const char* what, Ids& ids, uid_t wanted)
     {
-        ++changes;
+        changes.push_back(what + std::to_string(wanted));
+        if (refusal != 0)
+            return refusal;
         const bool allowed =
             m_user.effective == 0 || wanted == ids.real || wanted == ids.saved || wanted == ids.effective;
         if (!allowed)
