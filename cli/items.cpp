@@ -58,7 +58,7 @@ ItemPath pathOfURI(const QByteArray& uri)
 
 QByteArray withoutTrailingSlashes(QByteArray path)
 {
-    while (path.size() > 1 && path.endsWith('/'))
+    while (path.size() > 1 && (path.endsWith('/') || path.endsWith("/.")))
         path.chop(1);
     return path;
 }
@@ -97,11 +97,6 @@ void Items::forEach(Report& report, const std::function<void(const QByteArray& p
         actOn(*item);
     if (records.error() != 0)
         report.failure(*m_from, systemErrorText(records.error()));
-}
-
-std::optional<qsizetype> Items::count() const
-{
-    return m_from ? std::nullopt : std::optional(m_operands.size());
 }
 
 } // namespace havrel::cli

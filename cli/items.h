@@ -28,8 +28,6 @@ public:
     void forEach(Report& report, const std::function<void(const QByteArray& path)>& act) const;
     /// Whether the items come from standard input.
     [[nodiscard]] bool readStandardInput() const { return m_from == "-"; }
-    /// How many operands there are; nullopt when items come from a file too.
-    [[nodiscard]] std::optional<qsizetype> count() const;
 
 private:
     QByteArrayList m_operands;
@@ -43,15 +41,15 @@ struct ItemPath
     QString fault; ///< null when there is a path
 };
 
-/// Text that begins with "file:" is a URI, everything else a path. Slashes at the end go: they would lead through a
-/// link to its target.
+/// Text that begins with "file:" is a URI, everything else a path. Slashes at the end go, also with dots
+/// behind them: they would lead through a link to its target.
 ///
 /// \source RFC 8089; the host may be absent, empty or "localhost".
 ///
 /// Threads: any thread.
 [[nodiscard]] ItemPath pathOfItem(const QByteArray& item);
 
-/// \p path without the slashes at its end; "/" stays.
+/// \p path without any "/" and "/." at its end; "/" stays.
 ///
 /// Threads: any thread.
 [[nodiscard]] QByteArray withoutTrailingSlashes(QByteArray path);
