@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "cli/json_output.h"
 
+#include "cli/printable_text.h"
+
 #include <array>
 #include <charconv>
 
@@ -9,7 +11,7 @@ namespace {
 
 bool isPlain(QChar unit)
 {
-    return unit.unicode() >= 0x20 && unit.unicode() != 0x7F && unit != u'"' && unit != u'\\' && !unit.isSurrogate();
+    return unit != u'"' && unit != u'\\' && !unit.isSurrogate() && !steersTheTerminal(unit);
 }
 
 QByteArray escaped(QChar unit)

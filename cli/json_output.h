@@ -8,7 +8,8 @@
 namespace havrel::cli {
 
 /// \p text as a JSON string in UTF-8. Nothing is lost: lone surrogates, and with them the bytes of names that are not
-/// UTF-8, are written as \udcXX, which Python's json and os.fsencode turn back into the bytes.
+/// UTF-8, are written as \udcXX, which Python's json and os.fsencode turn back into the bytes. What
+/// would steer the terminal on which it may be shown is escaped likewise, so that files and terminals get the same.
 ///
 /// \source RFC 8259
 ///

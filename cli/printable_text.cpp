@@ -31,13 +31,6 @@ constexpr auto kSteering = std::to_array<Range>({
     {0xFEFF, 0xFEFF},
 });
 
-bool steersTheTerminal(QChar unit)
-{
-    return std::any_of(kSteering.begin(), kSteering.end(), [unit](const Range& each) {
-        return unit >= each.first && unit <= each.last;
-    });
-}
-
 QByteArray hexadecimal(const char* prefix, unsigned value, int digits)
 {
     return prefix + QByteArray::number(value, 16).rightJustified(digits, '0');
@@ -63,6 +56,13 @@ QByteArray escaped(QChar unit)
 }
 
 } // namespace
+
+bool steersTheTerminal(QChar unit)
+{
+    return std::any_of(kSteering.begin(), kSteering.end(), [unit](const Range& each) {
+        return unit >= each.first && unit <= each.last;
+    });
+}
 
 QByteArray printableName(const QByteArray& bytes)
 {

@@ -10,6 +10,11 @@ namespace havrel::cli {
 // writing, and bytes that are not UTF-8 are shown as \n, \t, \xNN or \uNNNN. This is for eyes only; programs read names
 // from the JSON forms, which lose nothing.
 
+/// Whether \p unit is one of those marks or a control character.
+///
+/// Threads: any thread.
+[[nodiscard]] bool steersTheTerminal(QChar unit);
+
 /// Threads: any thread.
 [[nodiscard]] QByteArray printableName(const QByteArray& bytes);
 

@@ -134,6 +134,13 @@ TEST(JsonOutput, WritesTextsThatReadBackAsTheyWere)
     EXPECT_EQ(readJson(json).value.toString(), all);
 }
 
+TEST(JsonOutput, CannotSteerATerminal)
+{
+    const QByteArray json = jsonText(u"\u001b\u007f\u009b31m\u061c\u200f\u202e\u2028\u2066\ufeff\u00e9\u200d");
+
+    EXPECT_EQ(json, "\"\\u001b\\u007f\\u009b31m\\u061c\\u200f\\u202e\\u2028\\u2066\\ufeff\xc3\xa9\xe2\x80\x8d\"");
+}
+
 TEST(JsonOutput, WritesNamesThatPythonTurnsBackIntoTheirBytes)
 {
     QByteArray name;
