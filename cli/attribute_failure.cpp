@@ -25,14 +25,13 @@ constexpr auto kMeanings = std::to_array<Meaning>({
     {ERANGE, "the preferences are longer than its file system keeps in an attribute"},
     {EROFS, "it is on a read-only file system"},
     {EINVAL, "a path cannot hold a NUL"},
-    {ESTALE, "it was moved meanwhile, so that not all of it was looked through"},
 });
 
 QString deniedText(AttributeAccess access)
 {
-    return access == AttributeAccess::Read
-               ? QStringLiteral("no permission to read it")
-               : QStringLiteral("no permission to write it (preferences need write permission, its owner's too)");
+    return access == AttributeAccess::Write
+               ? QStringLiteral("no permission to write it (preferences need write permission, its owner's too)")
+               : QStringLiteral("no permission to read it");
 }
 
 QString notPermittedText(const std::filesystem::path& item)
@@ -68,6 +67,8 @@ QString attributeFailureText(int error, const QByteArray& path, AttributeAccess 
         return notPermittedText(path.toStdString());
     if (error == ENOSPC)
         return noRoomText(path.toStdString());
+    if (error == ESTALE && access == AttributeAccess::Walk) // the walk's own answer; else it is a network's
+        return QStringLiteral("it was moved meanwhile, so that not all of it was looked through");
     const auto* const row =
         std::find_if(kMeanings.begin(), kMeanings.end(), [error](const Meaning& each) { return each.error == error; });
     return row != kMeanings.end() ? QString::fromLatin1(row->text) : systemErrorText(error);

@@ -28,7 +28,7 @@ void PreferencesWalk::walk(const QByteArray& root)
         look(root, root);
         tell();
     } else if (error != 0) {
-        m_report.failure(root, attributeFailureText(error, root, AttributeAccess::Read));
+        m_report.failure(root, attributeFailureText(error, root, AttributeAccess::Walk));
     }
     m_bar.hide();
 }
@@ -69,7 +69,7 @@ void PreferencesWalk::failed(const QByteArray& path, int error)
     if (error == ENOENT)
         return;
     m_bar.hide();
-    m_report.failure(path, attributeFailureText(error, path, AttributeAccess::Read));
+    m_report.failure(path, attributeFailureText(error, path, AttributeAccess::Walk));
 }
 
 void walkEach(const Items& roots, PreferencesWalk& walk, Report& report)
