@@ -24,6 +24,8 @@ void importLine(const QByteArray& line, const QByteArray& place, bool force, Rep
         report.failure(place, reading.fault);
         return;
     }
+    if (reading.hasNoRecord)
+        return;
     const QByteArray path = withoutTrailingSlashes(reading.record.path);
     if (const QString fault = storePreferences(path, reading.record.bytes, force); !fault.isNull())
         report.failure(path, fault);
@@ -58,7 +60,9 @@ void defineCaptureprefsImport(Command& command)
     command.flag("--force", options->force, "Also write records of more than 1024 bytes, which no reader takes");
     command.footer(
         "Replaces the preferences of each item that is named. Lines that make no sense are refused with their number,\n"
-        "the rest is done. Relative paths are taken from the working directory. Links are never followed.");
+        "the rest is done. Lines whose \"preferences\" are null, without an \"attribute\", are skipped: their items "
+        "stay as\n"
+        "they are. Relative paths are taken from the working directory. Links are never followed.");
     command.action([options] { return import(*options); });
 }
 

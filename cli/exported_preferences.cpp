@@ -128,6 +128,8 @@ ExportedReading exportedOfJson(const QByteArray& line)
     const BytesReading path = pathOf(map);
     if (!path.fault.isNull())
         return fault(path.fault);
+    if (map.contains(kPreferences) && isNullObject(map.value(kPreferences)) && !map.contains(kAttribute))
+        return {{path.bytes, {}}, {}, true};
     const BytesReading bytes = bytesOf(map);
     return {{path.bytes, bytes.bytes}, bytes.fault};
 }

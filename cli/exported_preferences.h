@@ -22,7 +22,8 @@ struct ExportedPreferences
 struct ExportedReading
 {
     ExportedPreferences record;
-    QString fault; ///< null when there is a record
+    QString fault;            ///< null when there is a record, or none to carry
+    bool hasNoRecord = false; ///< "preferences" is null and there is no "attribute": an item without, as it was shown
 };
 
 /// The inverse. Also takes what 'show --json' wrote. "preferences" and "attribute" must agree when both are there.

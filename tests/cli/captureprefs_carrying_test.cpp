@@ -139,6 +139,21 @@ TEST_F(CaptureprefsCarrying, TakesWhatWasShown)
     EXPECT_EQ(wordsOf("file"), "excluded");
 }
 
+TEST_F(CaptureprefsCarrying, LeavesItemsAloneThatWereShownWithout)
+{
+    set({"--exclude"}, "folder");
+    const QByteArray json = run({"captureprefs", "show", "--json", "file", "folder"}, m_here).output;
+    set({"--scrape", "--immediately"}, "file");
+    clear("folder");
+
+    EXPECT_TRUE(json.contains("\"preferences\":null")) << json.constData();
+    const RunResult result = imported(json);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.errors, "");
+    EXPECT_EQ(wordsOf("file"), "scrape");
+    EXPECT_EQ(wordsOf("folder"), "excluded");
+}
+
 TEST_F(CaptureprefsCarrying, RefusesNonsenseByItsLineAndDoesTheRest)
 {
     m_tree.write("saved",

@@ -67,6 +67,16 @@ TEST(ExportedPreferences, MayBeWhatWasShown)
     EXPECT_EQ(reading.record.bytes, excluding());
 }
 
+TEST(ExportedPreferences, MayBeWhatWasShownOfAnItemWithout)
+{
+    const ExportedReading reading = exportedOfJson(R"({"path":"a","preferences":null,"description":"normal"})");
+
+    EXPECT_TRUE(reading.fault.isNull());
+    EXPECT_TRUE(reading.hasNoRecord);
+    EXPECT_FALSE(exportedOfJson(R"({"path":"a","preferences":null,"attribute":""})").hasNoRecord);
+    EXPECT_FALSE(exportedOfJson(R"({"path":"a","preferences":{}})").hasNoRecord);
+}
+
 struct NonsenseRow
 {
     const char* line;
@@ -86,7 +96,7 @@ TEST(ExportedPreferences, RefuseNonsenseAndSayWhat)
         {R"({"path":"a\u0000b","preferences":{}})", "\"path\" holds what no path can"},
         {R"({"path":"a\ud800","preferences":{}})", "\"path\" holds what no path can"},
         {R"({"path":"a"})", "neither \"preferences\" nor \"attribute\""},
-        {R"({"path":"a","preferences":null})", "neither \"preferences\" nor \"attribute\""},
+        {R"({"preferences":null})", "\"path\" wants a string that is not empty"},
         {R"({"path":"a","preferences":[]})", "\"preferences\" wants an object"},
         {R"({"path":"a","preferences":"exclude"})", "\"preferences\" wants an object"},
         {R"({"path":"a","preferences":{"$data":"YQ=="}})", "\"preferences\" wants a dictionary"},
