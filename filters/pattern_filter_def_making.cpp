@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "filters/pattern_file_lines.h"
 #include "filters/pattern_filter_def.h"
 #include "filters/placeholder_pattern_filter_def.h"
 #include "foundation/property_access.h"
@@ -10,35 +11,6 @@
 
 namespace havrel {
 namespace {
-
-bool isNewline(QChar unit)
-{
-    switch (unit.unicode()) {
-    case 0x0A: // line feed
-    case 0x0B: // line tabulation
-    case 0x0C: // form feed
-    case 0x0D: // carriage return
-    case 0x85: // next line
-    case 0x2028:
-    case 0x2029:
-        return true;
-    default:
-        return false;
-    }
-}
-
-QStringList linesOf(const QString& text)
-{
-    QStringList lines;
-    qsizetype start = 0;
-    for (qsizetype i = 0; i <= text.size(); ++i) {
-        if (i < text.size() && !isNewline(text[i]))
-            continue;
-        lines << text.sliced(start, i - start);
-        start = i + 1;
-    }
-    return lines;
-}
 
 QString textOfFileAt(const QUrl& url)
 {
@@ -74,7 +46,7 @@ PatternFilterDefs PatternFilterDef::filterDefsFromStrings(const QStringList& str
 
 PatternFilterDefs PatternFilterDef::filterDefsFromURL(const QUrl& url, const QVariantMap& environment)
 {
-    return filterDefsFromStrings(linesOf(textOfFileAt(url)), environment);
+    return filterDefsFromStrings(linesOfPatternFile(textOfFileAt(url)), environment);
 }
 
 const QVariantMap& PatternFilterDef::repositoryEnvironment()
