@@ -4,7 +4,9 @@
 #include "cli/report.h"
 #include "cli/subcommands.h"
 #include "diagnostics/exception_base.h"
+#include "diagnostics/logr.h"
 #include "foundation/error.h"
+#include "foundation/process.h"
 
 #include <array>
 #include <exception>
@@ -33,6 +35,7 @@ ExitStatus guardedRun(std::span<const char* const> arguments)
 {
     Report report;
     try {
+        Process::captureNow();
         return runSubcommand(arguments, kGroups, kSubcommands);
     } catch (const Exception& exception) {
         report.failure("internal error", exception.description());
@@ -61,5 +64,7 @@ int main(int argc, char** argv)
 {
     const std::span<const char* const> arguments(argv, static_cast<std::size_t>(argc));
     const auto own = arguments.empty() ? arguments : arguments.subspan(1);
-    return static_cast<int>(havrel::cli::finished(havrel::cli::guardedRun(own)));
+    const havrel::cli::ExitStatus status = havrel::cli::finished(havrel::cli::guardedRun(own));
+    havrel::Logr::closeSharedLogger(); // lines may be held back
+    return static_cast<int>(status);
 }
