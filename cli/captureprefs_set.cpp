@@ -10,9 +10,11 @@
 #include "filters/capture_preferences_attribute.h"
 #include "foundation/error.h"
 #include "foundation/property_list.h"
+#include "platform/file_names.h"
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 
 namespace havrel::cli {
 namespace {
@@ -63,8 +65,8 @@ constexpr const char* kFooter =
     "Durations are a count and a unit: minutes, hours, days, weeks, months, years, or min, h, d, w, y.\n"
     "--for none and --between none take that condition away.\n"
     "\n"
-    "An invalid pattern is refused before anything is written. Links are never followed, and cannot carry "
-    "preferences.\n"
+    "Invalid patterns, and files of patterns that cannot be read, are refused before anything is written.\n"
+    "Links are never followed, and cannot carry preferences.\n"
     "--force writes records of more than 1024 bytes, which no reader takes, and replaces records that cannot be read.\n"
     "\n"
     "Examples:\n"
@@ -93,17 +95,33 @@ Change<Duration> scrapeAfterOf(const Options& options)
     return changeOf(options.after, durationOf, "--after wants a duration like '31 days'");
 }
 
-void readPatterns(const Options& options, PreferencesChanges& changes, Report& report)
+/// What went wrong before anything was written.
+struct Reports
+{
+    Report invalid; ///< patterns
+    Report unread;  ///< files of patterns
+
+    [[nodiscard]] ExitStatus status() const
+    {
+        return invalid.status() == ExitStatus::Done ? unread.status() : ExitStatus::WrongUsage;
+    }
+};
+
+void readPatterns(const Options& options, PreferencesChanges& changes, Reports& reports)
 {
     if (options.noPatterns || !options.patterns.isEmpty() || !options.patternFiles.isEmpty())
-        changes.patterns = storablePatterns(options.patterns, report);
-    for (const QByteArray& file : options.patternFiles)
-        changes.patterns->append(storablePatternsOfFile(file, report));
-    changes.addedPatterns = storablePatterns(options.added, report);
-    changes.removedPatterns = storablePatterns(options.removed, report);
+        changes.patterns = storablePatterns(options.patterns, reports.invalid);
+    for (const QByteArray& file : options.patternFiles) {
+        const PatternsOfFile read = storablePatternsOfFile(file, reports.invalid);
+        if (read.error != 0)
+            reports.unread.failure(file, systemErrorText(read.error));
+        changes.patterns->append(read.canonicals);
+    }
+    changes.addedPatterns = storablePatterns(options.added, reports.invalid);
+    changes.removedPatterns = storablePatterns(options.removed, reports.invalid);
 }
 
-PreferencesChanges changesOf(const Options& options, Report& report)
+PreferencesChanges changesOf(const Options& options, Reports& reports)
 {
     PreferencesChanges changes;
     for (std::size_t i = 0; i < kOptionFlags.size(); ++i)
@@ -115,18 +133,37 @@ PreferencesChanges changesOf(const Options& options, Report& report)
     changes.ignoreBetween =
         changeOf(options.between, partOfDayOf, "--between wants two times like 09:00-17:00, or none");
     changes.scrapeAfter = scrapeAfterOf(options);
-    readPatterns(options, changes, report);
+    readPatterns(options, changes, reports);
     return changes;
 }
 
-/// The dictionary to store: what the preferences say, and what other programs added to the old one.
-QVariantMap dictionaryOf(const FileCapturePreferences& preferences, const QVariantMap& old)
+/// The dictionary to store: of the old one, what this program does not know and whatever no change names, with what the
+/// changed preferences say.
+QVariantMap
+dictionaryOf(const FileCapturePreferences& preferences, const PreferencesChanges& changes, const QVariantMap& old)
 {
-    QVariantMap dictionary = preferences.properties();
+    const bool keepsTreatment = !changes.option && attribute::hasUnknownTreatment(old);
+    const auto isSaidAnew = [&](const QString& key) {
+        return key == QLatin1StringView("patterns") ? changes.namePatterns()
+                                                    : attribute::isKnownKey(key) && !keepsTreatment;
+    };
+    QVariantMap dictionary;
     for (auto it = old.begin(); it != old.end(); ++it)
-        if (!attribute::isKnownKey(it.key()))
+        if (!isSaidAnew(it.key()))
+            dictionary.insert(it.key(), it.value());
+    const QVariantMap said = preferences.properties();
+    for (auto it = said.begin(); it != said.end(); ++it)
+        if (isSaidAnew(it.key()))
             dictionary.insert(it.key(), it.value());
     return dictionary;
+}
+
+/// Why the changes cannot be made to what a newer program stored; null when they can.
+QString refusalToDetail(const PreferencesChanges& changes, const QVariantMap& old)
+{
+    if (changes.option || !changes.nameTreatment() || !attribute::hasUnknownTreatment(old))
+        return {};
+    return QStringLiteral("it is treated in a way that this program does not know; name the way that is to hold, too");
 }
 
 QString unreadableText(const attribute::Reading& reading, const QByteArray& path)
@@ -137,35 +174,54 @@ QString unreadableText(const attribute::Reading& reading, const QByteArray& path
         .arg(reading.state == attribute::State::TooLong ? QStringLiteral("too long") : reading.fault);
 }
 
+/// Whether what is there, and cannot be read, may be replaced.
+bool isReplaceable(const attribute::Reading& reading)
+{
+    return reading.state == attribute::State::Malformed || reading.state == attribute::State::TooLong ||
+           reading.error == EACCES; // an item may be writable that is not readable
+}
+
+QString store(const QByteArray& path, const QVariantMap& dictionary, bool force)
+{
+    if (dictionary.isEmpty())
+        return removePreferences(path);
+    const PropertyListWriting record = binaryPropertyList(dictionary);
+    if (record.error)
+        return record.error->localizedDescription();
+    const QString fault = storePreferences(path, record.bytes, force);
+    if (fault.isNull())
+        attribute::warnOfLostRecord(platform::textOfFileName(path), record.bytes.size());
+    return fault;
+}
+
 /// \return null, or why the item was left as it was
 QString set(const QByteArray& path, const PreferencesChanges& changes, bool force)
 {
     const attribute::Reading reading = attribute::readingOf(attribute::valueFrom(path));
-    const bool startsAnew = reading.state == attribute::State::Malformed || reading.state == attribute::State::TooLong;
-    if (reading.state == attribute::State::Unreadable || (startsAnew && !force))
+    const bool isKnown = reading.state == attribute::State::Readable || reading.state == attribute::State::Missing;
+    if (!isKnown && !(force && isReplaceable(reading)))
         return unreadableText(reading, path);
+    if (const QString refusal = refusalToDetail(changes, reading.dictionary); !refusal.isNull())
+        return refusal;
     FileCapturePreferences preferences(reading.dictionary);
     if (const QString refusal = changes.applyTo(preferences); !refusal.isNull())
         return refusal;
-    const QVariantMap dictionary = dictionaryOf(preferences, reading.dictionary);
-    if (dictionary.isEmpty())
-        return removePreferences(path);
-    const PropertyListWriting record = binaryPropertyList(dictionary);
-    return record.error ? record.error->localizedDescription() : storePreferences(path, record.bytes, force);
+    return store(path, dictionaryOf(preferences, changes, reading.dictionary), force);
 }
 
 ExitStatus set(const Options& options)
 {
     if (options.items.readStandardInput() && options.patternFiles.contains("-"))
         throw WrongUsage("standard input cannot hold items and patterns");
-    Report report;
-    const PreferencesChanges changes = changesOf(options, report);
-    if (report.status() != ExitStatus::Done)
-        return ExitStatus::WrongUsage;
+    Reports reports;
+    const PreferencesChanges changes = changesOf(options, reports);
+    if (reports.status() != ExitStatus::Done)
+        return reports.status();
     if (changes.isEmpty())
         throw WrongUsage("nothing to set");
     if (const QString contradiction = changes.contradiction(); !contradiction.isNull())
         throw WrongUsage(contradiction.toUtf8());
+    Report report;
     options.items.forEach(report, [&](const QByteArray& path) {
         if (const QString fault = set(path, changes, options.force); !fault.isNull())
             report.failure(path, fault);

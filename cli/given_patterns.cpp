@@ -2,8 +2,10 @@
 #include "cli/given_patterns.h"
 
 #include "cli/report.h"
+#include "filters/pattern_file_lines.h"
 #include "filters/pattern_filter_def.h"
-#include "foundation/error.h"
+#include "platform/file_contents.h"
+#include "platform/file_names.h"
 #include "platform/input_records.h"
 
 namespace havrel::cli {
@@ -50,12 +52,14 @@ void addTo(QStringList& canonicals, const QByteArray& line, const QByteArray& pl
         report.failure(place + line, pattern.fault);
 }
 
-/// A line as it is in files that other systems wrote, too.
-QByteArray withoutCarriageReturn(QByteArray line)
+platform::FileContents contentsOf(const QByteArray& file)
 {
-    if (line.endsWith('\r'))
-        line.chop(1);
-    return line;
+    platform::FileContents contents;
+    platform::InputRecords records(file, '\n');
+    while (const std::optional<QByteArray> record = records.next())
+        contents.bytes += *record + '\n';
+    contents.error = records.error();
+    return contents;
 }
 
 } // namespace
@@ -68,18 +72,20 @@ QStringList storablePatterns(const QByteArrayList& lines, Report& report)
     return canonicals;
 }
 
-QStringList storablePatternsOfFile(const QByteArray& file, Report& report)
+PatternsOfFile storablePatternsOfFile(const QByteArray& file, Report& report)
 {
-    QStringList canonicals;
-    platform::InputRecords records(file, '\n');
-    for (qsizetype number = 1; const std::optional<QByteArray> record = records.next(); ++number) {
-        const QByteArray line = withoutCarriageReturn(*record);
-        if (!line.isEmpty())
-            addTo(canonicals, line, file + ':' + QByteArray::number(number) + ": ", report);
+    const platform::FileContents contents = contentsOf(file);
+    PatternsOfFile patterns{{}, contents.error};
+    qsizetype number = 0;
+    for (const QString& text : linesOfPatternFile(platform::textOfFileName(contents.bytes))) {
+        ++number;
+        if (!text.isEmpty())
+            addTo(patterns.canonicals,
+                  platform::bytesOfFileName(text),
+                  file + ':' + QByteArray::number(number) + ": ",
+                  report);
     }
-    if (records.error() != 0)
-        report.failure(file, systemErrorText(records.error()));
-    return canonicals;
+    return patterns;
 }
 
 } // namespace havrel::cli

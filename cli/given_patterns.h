@@ -15,9 +15,16 @@ class Report;
 /// Threads: any thread.
 [[nodiscard]] QStringList storablePatterns(const QByteArrayList& lines, Report& report);
 
-/// The same for the lines of a file in UTF-8, "-" for standard input; empty lines are skipped.
+struct PatternsOfFile
+{
+    QStringList canonicals;
+    int error = 0; ///< errno value of what the file could not be read for; 0: all was read
+};
+
+/// The same for the lines of a file in UTF-8, "-" for standard input; empty lines are skipped. The file's own failure
+/// is not told to \p report.
 ///
 /// Threads: any thread.
-[[nodiscard]] QStringList storablePatternsOfFile(const QByteArray& file, Report& report);
+[[nodiscard]] PatternsOfFile storablePatternsOfFile(const QByteArray& file, Report& report);
 
 } // namespace havrel::cli

@@ -20,8 +20,17 @@ bool isScraping(CaptureOption option)
 
 bool PreferencesChanges::isEmpty() const
 {
-    return !option && !allArchives && !ignoreFor.given && !ignoreBetween.given && !scrapeAfter.given && !patterns &&
-           addedPatterns.isEmpty() && removedPatterns.isEmpty();
+    return !nameTreatment() && !namePatterns();
+}
+
+bool PreferencesChanges::nameTreatment() const
+{
+    return option || allArchives || ignoreFor.given || ignoreBetween.given || scrapeAfter.given;
+}
+
+bool PreferencesChanges::namePatterns() const
+{
+    return patterns || !addedPatterns.isEmpty() || !removedPatterns.isEmpty();
 }
 
 /// Details that belong to another option than the one that is to hold.
@@ -53,7 +62,9 @@ QString PreferencesChanges::applyTo(FileCapturePreferences& preferences) const
     applyIgnoring(preferences, before == CaptureOption::IgnoreChanges);
     applyScraping(preferences);
     applyPatterns(preferences);
-    const bool ignoresByNothing = preferences.option == CaptureOption::IgnoreChanges &&
+    // Other programs may have stored that changes are ignored, but not when: who does not ask for it keeps that.
+    const bool namesIgnoring = option || ignoreFor.given || ignoreBetween.given;
+    const bool ignoresByNothing = namesIgnoring && preferences.option == CaptureOption::IgnoreChanges &&
                                   preferences.ignoreDuration == 0 && !preferences.ignoreBetween;
     return ignoresByNothing ? QStringLiteral("nothing would say when changes are ignored: give --for or --between")
                             : QString();

@@ -34,6 +34,9 @@ struct PreferencesChanges
     QStringList removedPatterns;         ///< if they are there
 
     [[nodiscard]] bool isEmpty() const;
+    /// Whether the item's treatment is to become another one, or a detail of it.
+    [[nodiscard]] bool nameTreatment() const;
+    [[nodiscard]] bool namePatterns() const;
     /// Why the changes contradict each other whatever the item; null when they do not.
     [[nodiscard]] QString contradiction() const;
     /// Makes the changes.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "filters/capture_preferences_attribute.h"
 
+#include "diagnostics/logr.h"
+#include "foundation/dictionary_additions.h"
 #include "foundation/property_list.h"
 
 #include <algorithm>
@@ -66,6 +68,25 @@ bool isKnownKey(const QString& key)
     constexpr auto kKnown =
         std::to_array({"capture", "all", "contents", "duration", "scale", "from", "to", "patterns"});
     return std::any_of(kKnown.begin(), kKnown.end(), [&](const char* each) { return key == QLatin1StringView(each); });
+}
+
+bool hasUnknownTreatment(const QVariantMap& dictionary)
+{
+    constexpr auto kKnown = std::to_array({"exclude", "ignore", "scrape"});
+    const QString key = QStringLiteral("capture");
+    const QString treatment = stringForKey(dictionary, key).value_or(QString());
+    return dictionary.contains(key) && std::none_of(kKnown.begin(), kKnown.end(), [&](const char* each) {
+               return treatment == QLatin1StringView(each);
+           });
+}
+
+void warnOfLostRecord(const QString& path, qsizetype size)
+{
+    if (size <= kMostBytesRead)
+        return;
+    Logr::log(LogClassification::Caution,
+              QStringLiteral("capture preferences of %1 take %2 bytes; readers take %3, so they have no effect")
+                  .arg(path, QString::number(size), QString::number(kMostBytesRead)));
 }
 
 } // namespace havrel::capture_preferences_attribute

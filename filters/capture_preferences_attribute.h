@@ -58,5 +58,16 @@ struct Reading
 /// Threads: any thread.
 [[nodiscard]] bool isKnownKey(const QString& key);
 
+/// Whether \p dictionary asks for a treatment that this program does not know, and therefore reads as the normal one:
+/// its "capture" is there, but none of "exclude", "ignore" and "scrape".
+///
+/// Threads: any thread.
+[[nodiscard]] bool hasUnknownTreatment(const QVariantMap& dictionary);
+
+/// Logs a Caution when a record of \p size bytes, just written to the item at \p path, is longer than readers take.
+///
+/// Threads: any thread.
+void warnOfLostRecord(const QString& path, qsizetype size);
+
 } // namespace capture_preferences_attribute
 } // namespace havrel

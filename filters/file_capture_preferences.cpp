@@ -150,15 +150,6 @@ std::optional<FileCapturePreferences> FileCapturePreferences::capturePreferences
 
 namespace {
 
-void warnOfLostRecord(const JNPath& path, qsizetype size)
-{
-    if (size <= attribute::kMostBytesRead)
-        return;
-    Logr::log(LogClassification::Caution,
-              QStringLiteral("capture preferences of %1 take %2 bytes; readers take %3, so they have no effect")
-                  .arg(path.path(), QString::number(size), QString::number(attribute::kMostBytesRead)));
-}
-
 void writeRecord(const JNPath& path, const QVariantMap& properties)
 {
     const QString reason = QStringLiteral("Cannot set capture preferences");
@@ -168,7 +159,7 @@ void writeRecord(const JNPath& path, const QVariantMap& properties)
     const int error = platform::writeAttribute(path.cPath(), attribute::kNameOnDisk, record.bytes);
     if (error != 0)
         HVException::ioErrno(error, reason).setPathObject(path).raise();
-    warnOfLostRecord(path, record.bytes.size());
+    attribute::warnOfLostRecord(path.path(), record.bytes.size());
 }
 
 void removeRecord(const JNPath& path)

@@ -25,21 +25,23 @@ enum class CaptureOption : quint32 {
     ScrapeContents = 5,
 };
 
+// clang-format off
 /// The capture preferences of one item: a value that is read from and written to the item's attribute
 /// "com.havrel.prefs".
 ///
 /// The stored dictionary, absent keys not written:
 ///
-/// | key                 | value                                       | when |
-/// |---------------------|---------------------------------------------|---------------------------------------------------|
-/// | "capture"           | "exclude", "ignore", "scrape" or "invalid"  | option is not Normal | | "all"               |
-/// true                                        | excluding, and allArchives                        | | "contents" |
-/// true                                        | the contents are excluded or scraped              | | "duration",
-/// "scale" | integer and its unit                        | ignoring; scraping, but not at once               | |
-/// "from", "to"        | minutes after midnight                      | ignoring, and ignoreBetween | | "patterns" |
-/// canonical lines of the valid patterns       | there are any                                     |
+/// | key                 | value                                      | when                                 |
+/// |---------------------|--------------------------------------------|--------------------------------------|
+/// | "capture"           | "exclude", "ignore", "scrape" or "invalid" | option is not Normal                 |
+/// | "all"               | true                                       | excluding, and allArchives           |
+/// | "contents"          | true                                       | the contents are excluded or scraped |
+/// | "duration", "scale" | integer and its unit                       | ignoring; scraping, but not at once  |
+/// | "from", "to"        | minutes after midnight                     | ignoring, and ignoreBetween          |
+/// | "patterns"          | canonical lines of the valid patterns      | there are any                        |
 ///
 /// Threads: one thread at a time.
+// clang-format on
 class FileCapturePreferences
 {
 public:

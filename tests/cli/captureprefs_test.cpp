@@ -106,6 +106,46 @@ TEST_F(Captureprefs, KeepsWhatOtherProgramsStored)
               "{'capture': 'ignore', 'duration': 1, 'future': {'when': [1, 2]}, 'scale': 3}");
 }
 
+struct KeptRow
+{
+    const char* before; // as Python writes it
+    QByteArrayList options;
+    const char* after; // as Python shows it; null: refused
+};
+
+TEST_F(Captureprefs, KeepsWhatANewerProgramStoredUnlessItIsNamed)
+{
+    const std::array rows = {
+        KeptRow{"{'capture': 'freeze', 'until': 5}",
+                {"--add-pattern", "//x"},
+                "{'capture': 'freeze', 'patterns': ['//x'], 'until': 5}"},
+        KeptRow{"{'capture': 'freeze', 'contents': True, 'duration': 7, 'patterns': ['//a']}",
+                {"--no-patterns"},
+                "{'capture': 'freeze', 'contents': True, 'duration': 7}"},
+        KeptRow{"{'capture': ['freeze']}", {"--pattern", "//x"}, "{'capture': ['freeze'], 'patterns': ['//x']}"},
+        KeptRow{"{'capture': 'freeze', 'duration': 7}", {"--exclude"}, "{'capture': 'exclude'}"},
+        KeptRow{"{'capture': 'freeze', 'contents': True}", {"--all-archives"}, nullptr},
+        KeptRow{"{'capture': 'freeze'}", {"--for", "2 days"}, nullptr},
+        KeptRow{"{'patterns': ['//a/', '//b/0:glob', 5]}",
+                {"--exclude"},
+                "{'capture': 'exclude', 'patterns': ['//a/', '//b/0:glob', 5]}"},
+        KeptRow{"{'capture': 'exclude', 'patterns': 'new form'}", {"--normal"}, "{'patterns': 'new form'}"},
+        KeptRow{"{'patterns': ['//a/', '//b']}", {"--add-pattern", "//x"}, "{'patterns': ['//b', '//x']}"},
+        KeptRow{"{'capture': 'ignore'}",
+                {"--add-pattern", "//x"},
+                "{'capture': 'ignore', 'duration': 0, 'patterns': ['//x'], 'scale': 0}"},
+        KeptRow{"{'capture': 'ignore'}", {"--ignore"}, nullptr},
+    };
+    for (const KeptRow& row : rows) {
+        putFromPython("file", row.before);
+        const QByteArray before = storedAsPythonReadsIt("file");
+        const RunResult result =
+            run(QByteArrayList{"captureprefs", "set"} + row.options + QByteArrayList{"file"}, m_here);
+        EXPECT_EQ(result.status, row.after == nullptr ? 1 : 0) << row.before << result.errors.constData();
+        EXPECT_EQ(storedAsPythonReadsIt("file"), row.after == nullptr ? before : row.after) << row.before;
+    }
+}
+
 TEST_F(Captureprefs, LeavesTheItemAloneWhenNothingChanges)
 {
     set({"--exclude"}, "file");
@@ -162,9 +202,26 @@ TEST_F(Captureprefs, TakesPatternsFromFilesAndStandardInput)
     settings.input = "//d\n";
     EXPECT_EQ(run({"captureprefs", "set", "--patterns-from", "-", "file"}, settings).status, 0);
     EXPECT_EQ(wordsOf("file"), "normal, excluding //d");
-    EXPECT_EQ(run({"captureprefs", "set", "--patterns-from", "missing", "file"}, m_here).errors,
-              "havrel: missing: No such file or directory\n");
+    const RunResult missing = run({"captureprefs", "set", "--exclude", "--patterns-from", "missing", "file"}, m_here);
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.errors, "havrel: missing: No such file or directory\n");
+    EXPECT_EQ(run({"captureprefs", "set", "--patterns-from", "folder", "file"}, m_here).status, 1);
     EXPECT_EQ(wordsOf("file"), "normal, excluding //d");
+}
+
+TEST_F(Captureprefs, EndsLinesOfPatternFilesWhereEveryProgramDoes)
+{
+    m_tree.write("patterns", "//a\v//b\f//c\r//d\xc2\x85//e\xe2\x80\xa8//f\xe2\x80\xa9//g\r\n//h\n");
+    set({"--patterns-from", "patterns"}, "file");
+    EXPECT_EQ(wordsOf("file"), "normal, excluding //a, //b, //c, //d, //e, //f, //g, //h");
+
+    m_tree.write("patterns", "//a\r\n\r\n//b\v//bad\xff\n//a/");
+    const RunResult result = run({"captureprefs", "set", "--patterns-from", "patterns", "folder"}, m_here);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.errors,
+              "havrel: patterns:4: //bad\\xff: a pattern must be valid UTF-8\n"
+              "havrel: patterns:5: //a/: Trailing / with no options\n");
+    EXPECT_EQ(attributeOf("folder").error, ENODATA);
 }
 
 TEST_F(Captureprefs, RefusesARecordThatNobodyCouldReadUnlessForced)
@@ -225,7 +282,7 @@ TEST_F(Captureprefs, ClearsWhateverIsThere)
 TEST_F(Captureprefs, NeverFollowsALink)
 {
     m_tree.addLink("link", "folder");
-    for (const char* name : {"link", "link/", "link///"}) {
+    for (const char* name : {"link", "link/", "link///", "link/.", "link/.//./"}) {
         const RunResult result = run({"captureprefs", "set", "--exclude", name}, m_here);
         EXPECT_EQ(result.status, 1);
         EXPECT_EQ(result.errors, "havrel: link: a symbolic link cannot carry preferences; its target can: folder\n");
@@ -262,6 +319,22 @@ TEST_F(Captureprefs, SaysWhichOptionsGoTogether)
     EXPECT_EQ(run({"captureprefs", "set", "file"}, m_here).status, 2);
     EXPECT_EQ(run({"captureprefs", "set", "--exclude"}, m_here).status, 2);
     EXPECT_EQ(wordsOf("file"), "excluded");
+}
+
+TEST_F(Captureprefs, ReplacesWhatMayBeWrittenButNotReadOnlyWhenForced)
+{
+    set({"--exclude", "--pattern", "//a"}, "file");
+    ::chmod(m_tree.root().c_str(), 0755);
+    ::chmod(m_tree.path("file").c_str(), 0222);
+    RunSettings settings = m_here;
+    settings.asOrdinaryUser = true;
+    const RunResult refused = run({"captureprefs", "set", "--scrape", "file"}, settings);
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.errors, "havrel: file: no permission to read it\n");
+
+    EXPECT_EQ(run({"captureprefs", "set", "--force", "--scrape", "--immediately", "file"}, settings).errors, "");
+    ::chmod(m_tree.path("file").c_str(), 0644);
+    EXPECT_EQ(wordsOf("file"), "scrape");
 }
 
 TEST_F(Captureprefs, SaysWhatAnOrdinaryUserMayNot)
