@@ -196,6 +196,9 @@ int TreeCopy::makeFolder(const Pair& pair)
     int error = noteCreated(pair.toFolder, pair.to);
     if (error == 0)
         error = m_to.enter(pair.toFolder, pair.to);
+    // A default access list of the folder above may take the right to go in from its owner.
+    if (error == 0 && ::fchmod(m_to.last(), S_IRWXU) != 0)
+        error = errno;
     if (error == 0 && !m_top)
         m_top = m_to.identityOfLast();
     return error;

@@ -170,7 +170,7 @@ TEST(Items, TouchSetsBothTimesToNowThroughLinks)
 TEST(Items, AreMountPointsWhereSomethingIsMounted)
 {
     const TemporaryTree tree({"folder/"});
-    EXPECT_TRUE(isMountPoint("/"));
+    EXPECT_TRUE(isMountPoint("/proc")); // the root itself is none in a changed root
     EXPECT_FALSE(isMountPoint(tree.bytes("folder")));
     EXPECT_FALSE(isMountPoint(tree.bytes("nothing")));
 }
