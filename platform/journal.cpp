@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cerrno>
+#include <memory>
 
 #include <dlfcn.h>
 #include <sys/uio.h>
@@ -15,18 +16,16 @@ namespace {
 
 constexpr const char* kJournalSocket = "/run/systemd/journal/socket"; // sd_journal_sendv keeps silent without it
 
-/// sd_journal_sendv(3): 0, or an errno value below zero.
-using SendFields = int (*)(const iovec* fields, int count);
-
 /// The library is loaded with the first message: it and what it needs would cost every start of the tool a sixth of its
 /// time, for messages that most runs never send. Null where it is not installed.
-SendFields journalSender()
+auto librarySend()
 {
-    static const auto s_sender = [] {
+    using Send = int (*)(const iovec* fields, int count);
+    static const auto s_send = [] {
         void* library = ::dlopen("libsystemd.so.0", RTLD_NOW | RTLD_LOCAL);
-        return library == nullptr ? nullptr : reinterpret_cast<SendFields>(::dlsym(library, "sd_journal_sendv"));
+        return library == nullptr ? nullptr : reinterpret_cast<Send>(::dlsym(library, "sd_journal_sendv"));
     }();
-    return s_sender;
+    return s_send;
 }
 
 iovec pieceOf(QByteArray& bytes)
@@ -46,16 +45,28 @@ bool journalExists()
     return ::access(kJournalSocket, W_OK) == 0;
 }
 
+JournalSend systemJournalSend()
+{
+    return [](const iovec* fields, int count) {
+        const auto send = journalExists() ? librarySend() : nullptr;
+        return send == nullptr ? -ENOENT : send(fields, count);
+    };
+}
+
+JournalSend& journalSend()
+{
+    // Never destroyed: late lines need it.
+    static JournalSend& s_send = *std::make_unique<JournalSend>(systemJournalSend()).release();
+    return s_send;
+}
+
 int sendToJournal(JournalPriority priority, const QString& message)
 {
-    const SendFields send = journalExists() ? journalSender() : nullptr;
-    if (send == nullptr)
-        return ENOENT;
     QByteArray text = "MESSAGE=" + bytesOfFileName(message);
     QByteArray urgency = "PRIORITY=" + QByteArray::number(static_cast<int>(priority));
     QByteArray program = programName();
     const std::array fields{pieceOf(text), pieceOf(urgency), pieceOf(program)};
-    return -send(fields.data(), static_cast<int>(fields.size()));
+    return -journalSend()(fields.data(), static_cast<int>(fields.size()));
 }
 
 void writeToStandardError(const QString& message)

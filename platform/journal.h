@@ -3,6 +3,10 @@
 
 #include <QString>
 
+#include <functional>
+
+struct iovec;
+
 namespace havrel::platform {
 
 /// How urgent a console message is; the numbers are those of the system log.
@@ -19,6 +23,16 @@ enum class JournalPriority : int {
 ///
 /// Threads: any thread.
 [[nodiscard]] bool journalExists();
+
+/// sd_journal_sendv(3): takes the fields of one message ("NAME=value" each); answers 0, or an errno value below zero.
+using JournalSend = std::function<int(const iovec* fields, int count)>;
+
+/// What takes messages; the system journal until a test replaces it. The system's answers -ENOENT where there is no
+/// journal.
+///
+/// Threads: any thread, as long as nobody replaces it.
+[[nodiscard]] JournalSend& journalSend();
+[[nodiscard]] JournalSend systemJournalSend();
 
 /// Hands \p message to the system journal, under the program's name. File-name bytes in the text travel as those bytes.
 /// Does not wait for the journal.

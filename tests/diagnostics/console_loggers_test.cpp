@@ -1,10 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "diagnostics/nslog_logr.h"
 #include "diagnostics/null_logr.h"
+#include "tests/support/replaced_journal.h"
+
+#include <QByteArrayList>
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <cstdlib>
 #include <vector>
+
+#include <sys/uio.h>
 
 namespace havrel {
 namespace {
@@ -90,6 +97,37 @@ TEST_F(ConsoleLoggers, SayOnceThatLinesAreDiscardedHoweverManyLoggersDoIt)
     second.writeLine(LogClassification::Failure, nullptr, QStringLiteral("c"));
     EXPECT_EQ(m_messages,
               (std::vector<Message>{{JournalPriority::Notice, QStringLiteral("log output is being discarded")}}));
+}
+
+/// Two null loggers in a process that has made none before, on the console of a system without a journal.
+[[noreturn]] void discardLinesAndExit()
+{
+    const tests::ReplacedJournal none([](const iovec*, int) { return -ENOENT; });
+    for (int i = 0; i < 2; ++i) {
+        NullLogr logger;
+        logger.writeLine(LogClassification::Failure, nullptr, QStringLiteral("a"));
+        logger.writeLine(LogClassification::Failure, nullptr, QStringLiteral("b"));
+    }
+    std::exit(0);
+}
+
+TEST_F(ConsoleLoggers, SayOnceInAProcessOnTheRealConsoleThatLinesAreDiscarded)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // the child is a new process, not a copy of this one
+    EXPECT_EXIT(
+        discardLinesAndExit(), testing::ExitedWithCode(0), testing::Eq(std::string("log output is being discarded\n")));
+}
+
+TEST_F(ConsoleLoggers, WriteToTheRealConsole)
+{
+    QByteArrayList sent;
+    const tests::ReplacedJournal journal([&sent](const iovec* fields, int count) {
+        for (int i = 0; i < count; ++i)
+            sent << QByteArray(static_cast<const char*>(fields[i].iov_base), qsizetype(fields[i].iov_len));
+        return 0;
+    });
+    NSLogLogr().writeLine(LogClassification::Failure, nullptr, QStringLiteral("a"));
+    EXPECT_EQ(sent.first(2), (QByteArrayList{"MESSAGE=a", "PRIORITY=3"}));
 }
 
 TEST_F(ConsoleLoggers, AnswerTheNextLineThatIsNotWritten)
