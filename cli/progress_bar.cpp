@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 namespace havrel::cli {
 namespace {
@@ -19,9 +20,10 @@ void writeNow(const QByteArray& text)
 
 } // namespace
 
-ProgressBar::ProgressBar()
-    : m_wanted(platform::isTerminal(platform::StandardStream::Error) && qgetenv("TERM") != "dumb")
-    , m_next(Clock::now() + kPatience)
+ProgressBar::ProgressBar(std::function<Clock::time_point()> now)
+    : m_now(std::move(now))
+    , m_wanted(platform::isTerminal(platform::StandardStream::Error) && qgetenv("TERM") != "dumb")
+    , m_next(m_now() + kPatience)
 {
 }
 
@@ -32,12 +34,12 @@ ProgressBar::~ProgressBar()
 
 void ProgressBar::update(double fraction, qint64 count)
 {
-    if (!m_wanted || Clock::now() < m_next)
+    if (!m_wanted || m_now() < m_next)
         return;
     const int columns = platform::terminalColumns(platform::StandardStream::Error);
     writeNow('\r' + progressLine(fraction, count, columns) + "\x1b[K");
     m_shown = true;
-    m_next = Clock::now() + kPause;
+    m_next = m_now() + kPause;
 }
 
 void ProgressBar::hide()

@@ -4,6 +4,7 @@
 #include <QByteArray>
 
 #include <chrono>
+#include <functional>
 
 namespace havrel::cli {
 
@@ -16,7 +17,8 @@ class ProgressBar
 public:
     using Clock = std::chrono::steady_clock;
 
-    ProgressBar();
+    /// \param now the clock.
+    explicit ProgressBar(std::function<Clock::time_point()> now = Clock::now);
     ~ProgressBar();
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
@@ -29,6 +31,7 @@ public:
     void hide();
 
 private:
+    std::function<Clock::time_point()> m_now;
     bool m_wanted;
     bool m_shown = false;
     Clock::time_point m_next;
