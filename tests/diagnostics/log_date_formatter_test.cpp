@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "diagnostics/log_date_formatter.h"
 
+#include "diagnostics/logr.h"
 #include "tests/support/time_zone_of_the_user.h"
 
 #include <gtest/gtest.h>
@@ -35,6 +36,14 @@ TEST(LogDateFormatter, WritesLocalTimeAndTheZonesOffset)
         const LogDate date(std::chrono::seconds(row.seconds) + std::chrono::nanoseconds(row.nanoseconds));
         EXPECT_EQ(LogDateFormatter().stringFromDate(date), QLatin1StringView(row.text));
     }
+}
+
+TEST(LogDateFormatter, IsMadeByTheLoggingFacadeForEveryoneWhoAsks)
+{
+    const TimeZoneOfTheUser zone("CEST-2");
+    LogDateFormatter formatter = Logr::makeLogDateFormatter();
+    EXPECT_EQ(formatter.stringFromDate(LogDate(std::chrono::milliseconds(1753871696789))),
+              QStringLiteral("2025-07-30 12:34:56.789 +0200"));
 }
 
 TEST(LogDateFormatter, FollowsTheClockWhateverItSaidBefore)

@@ -2,6 +2,7 @@
 #include "diagnostics/log_line_ident.h"
 #include "diagnostics/log_line_pin.h"
 #include "foundation/archiving.h"
+#include "tests/support/archive_expectations.h"
 #include "tests/support/key_table_coder.h"
 #include "tests/support/unkeyed_coder.h"
 
@@ -78,6 +79,21 @@ TEST(ArchivedLogLine, ComesBackWithItsAncestors)
     const QByteArray archive = dataForRootObject(QVariant::fromValue(line), SecureCoding::Yes);
     const QVariant restored = archivedObjectOfClass(archive, QStringLiteral("LogLineIdent"));
     expectSame(restored.value<LogLineIdentPtr>(), line);
+}
+
+TEST(ArchivedLogLine, IsRefusedAsABugWhenItLiesTooDeep)
+{
+    const auto lineOfDepth = [](int components) {
+        return LogLineIdent::logLineIdentifierFromString(QStringLiteral("1") +
+                                                         QStringLiteral(".1").repeated(components - 1));
+    };
+    const auto archived = [](const LogLineIdentPtr& line) {
+        return dataForRootObject(QVariant::fromValue(line), SecureCoding::Yes);
+    };
+    const auto deepest = lineOfDepth(200);
+    expectSame(archivedObjectOfClass(archived(deepest), QStringLiteral("LogLineIdent")).value<LogLineIdentPtr>(),
+               deepest);
+    expectBug([&] { return archived(lineOfDepth(300)); }, "cannot encode object", "deeper than 256 levels");
 }
 
 TEST(ArchivedLogLine, StaysAPin)

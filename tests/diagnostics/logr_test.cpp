@@ -288,6 +288,14 @@ TEST(Logr, HasOneRootLineForTheProcess)
     EXPECT_EQ(root->sequence(), static_cast<std::uint64_t>(::getpid()));
 }
 
+TEST(Logr, ShowsNothingToTheUserByItself)
+{
+    RecordingLogr logger;
+    logger.openUsingLaunchServices(QVariant());
+    logger.openUsingLaunchServices(QVariantMap{{QStringLiteral("any"), 1}});
+    EXPECT_EQ(logger.lines(), QStringList());
+}
+
 TEST(Logr, WritesEvenAnEmptyMessageAndOneOfAMegabyte)
 {
     RecordingLogr logger;
