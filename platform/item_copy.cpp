@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/item_copy.h"
 
+#include "platform/folder_search.h"
 #include "platform/item_calls.h"
 #include "platform/item_place.h"
 #include "platform/item_removal.h"
@@ -48,6 +49,15 @@ int refuseToRemove(const ItemPlace& place)
     return ::faccessat(place.folder(), ".", W_OK | X_OK, AT_EACCESS) == 0 ? 0 : errno;
 }
 
+/// Whether the item \p holder, with that status, holds what is at \p held, whatever mounts they are seen through.
+int refuseHoldingPlace(const ItemPlace& holder, const struct stat& status, const ItemPlace& held)
+{
+    struct stat folder;
+    if (!S_ISDIR(status.st_mode))
+        return 0;
+    return ::fstat(held.folder(), &folder) == 0 ? refuseHolding(holder, identityOf(folder)) : errno;
+}
+
 } // namespace
 
 int refuseToCopy(const ItemPlace& from, const ItemPlace& to)
@@ -70,9 +80,17 @@ int refuseToReplace(const ItemPlace& from, const ItemPlace& to)
     if (leadsTo(from, identityOf(status)))
         return EINVAL;
     struct stat original;
-    if (from.look(original) == 0 && identityOf(original) == identityOf(status))
+    if (const int error = from.look(original); error != 0)
+        return error;
+    if (identityOf(original) == identityOf(status))
         return EINVAL;
-    return S_ISDIR(status.st_mode) ? from.refuseInside(identityOf(status)) : 0;
+    if (S_ISDIR(status.st_mode))
+        if (const int error = from.refuseInside(identityOf(status)); error != 0)
+            return error;
+    if (!mayLieBehindTwoMounts(from, to))
+        return 0;
+    const int error = refuseHoldingPlace(to, status, from);
+    return error != 0 ? error : refuseHoldingPlace(from, original, to);
 }
 
 AttributeOutcome copyItem(const ItemPlace& from, const ItemPlace& to, AttributeLoss loss)

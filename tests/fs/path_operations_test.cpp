@@ -4,6 +4,7 @@
 #include "fs/path.h"
 #include "fs/sub_path.h"
 #include "tests/support/item_facts.h"
+#include "tests/support/mounted_folder.h"
 #include "tests/support/ordinary_user.h"
 #include "tests/support/recording_logr.h"
 #include "tests/support/replaced_item_calls.h"
@@ -268,6 +269,16 @@ INSTANTIATE_TEST_SUITE_P(Targets,
                                            "../../link/inner",
                                            "/",
                                            "file/below"));
+
+TEST(JNPathCopy, IsRefusedOntoAFolderThatHoldsItBehindABindMount)
+{
+    const TemporaryTree tree({"data/inner/file", "view/"});
+    const auto view = MountedFolder::bound(tree.bytes("data/inner"), tree.bytes("view"));
+    HAVREL_NEEDS_MOUNTED(view);
+    expectRaised({"cannot copy item", EINVAL, pathIn(tree, "view/file"), "target", textIn(tree, "data")},
+                 [&] { (void)pathIn(tree, "view/file")->copyTo(textIn(tree, "data"), Overwriting::Yes); });
+    EXPECT_TRUE(nameExists(tree.path("data/inner/file")));
+}
 
 TEST(JNPathCopy, RefusesWhatHasNoNameOfItsOwn)
 {

@@ -4,6 +4,7 @@
 #include "platform/item_place.h"
 #include "platform/item_removal.h"
 #include "tests/support/item_facts.h"
+#include "tests/support/mounted_folder.h"
 #include "tests/support/ordinary_user.h"
 #include "tests/support/replaced_item_calls.h"
 #include "tests/support/temporary_tree.h"
@@ -634,6 +635,95 @@ TEST(ItemCopy, IsRefusedOverTheItemItselfItsTargetAndTheFoldersThatHoldIt)
     EXPECT_EQ(refusal("folder/inner/file", "other"), 0);
     EXPECT_EQ(refusal("folder", "folder/inner/file"), 0) << "refuseToCopy's business";
     EXPECT_EQ(refusal("other/file", "nothing"), 0);
+}
+
+/// Folders and their other names through bind mounts.
+class ItemCopyBehindMounts : public ::testing::Test
+{
+protected:
+    [[nodiscard]] int refusal(const char* from, const char* to) const
+    {
+        const Places places(m_tree, from, to);
+        return places.error != 0 ? places.error : refuseToReplace(places.from, places.to);
+    }
+
+    const TemporaryTree m_tree{
+        "data/inner/deep/file", "data/x", "data/mounted/", "view/", "away/file", "other/mounted/"};
+    const MountedFolder m_view = MountedFolder::bound(m_tree.bytes("data/inner"), m_tree.bytes("view"));
+};
+
+TEST_F(ItemCopyBehindMounts, IsRefusedOverTheFoldersThatReallyHoldTheItem)
+{
+    HAVREL_NEEDS_MOUNTED(m_view);
+    EXPECT_EQ(refusal("view/deep/file", "data"), EINVAL);
+    EXPECT_EQ(refusal("view/deep/file", "data/inner"), EINVAL);
+    EXPECT_EQ(refusal("view/deep/file", "data/inner/deep"), EINVAL);
+    EXPECT_EQ(refusal("view/deep/file", "data/inner/deep/file"), EINVAL);
+    EXPECT_EQ(refusal("data/inner/deep/file", "view/deep"), EINVAL);
+    EXPECT_EQ(refusal("view/deep", "data"), EINVAL);
+    EXPECT_EQ(refusal("view/deep", "data/x"), 0);
+    EXPECT_EQ(refusal("view/deep/file", "away"), 0);
+    EXPECT_EQ(refusal("away/file", "view/deep"), 0);
+}
+
+TEST_F(ItemCopyBehindMounts, IsRefusedOverAnItemThatTheOriginalReallyHolds)
+{
+    HAVREL_NEEDS_MOUNTED(m_view);
+    EXPECT_EQ(refusal("data", "view/deep"), EINVAL);
+    EXPECT_EQ(refusal("data", "view/deep/file"), EINVAL);
+    EXPECT_EQ(refusal("data/inner", "view/deep/file"), EINVAL);
+    EXPECT_EQ(refusal("data/x", "view/deep/file"), 0);
+}
+
+TEST_F(ItemCopyBehindMounts, IsAllowedOverAFolderThatOnlyLeadsToTheItem)
+{
+    HAVREL_NEEDS_MOUNTED(m_view);
+    const auto mounted = MountedFolder::bound(m_tree.bytes("away"), m_tree.bytes("data/mounted"));
+    HAVREL_NEEDS_MOUNTED(mounted);
+    // What is removed with "data" is not what is mounted in it: that refuses to go.
+    EXPECT_EQ(refusal("away/file", "data"), 0);
+    EXPECT_EQ(refusal("data/mounted/file", "data"), EINVAL) << "the way to the item itself";
+}
+
+TEST_F(ItemCopyBehindMounts, LooksNotIntoAnotherFileSystem)
+{
+    const MountedFolder mounted("tmpfs", m_tree.bytes("other/mounted"), "size=64k");
+    HAVREL_NEEDS_MOUNTED(mounted);
+    m_tree.add("other/mounted/folder/file");
+    ReplacedItemCalls calls;
+    bool looked = false;
+    calls->openat = [&looked](int folder, const char* name, int flags, mode_t mode) {
+        looked = looked || QByteArrayView(name) == "folder";
+        return systemItemCalls().openat(folder, name, flags, mode);
+    };
+    EXPECT_EQ(refusal("away/file", "other/mounted/folder"), 0);
+    EXPECT_FALSE(looked);
+}
+
+TEST_F(ItemCopyBehindMounts, CopiesNothingIntoItself)
+{
+    HAVREL_NEEDS_MOUNTED(m_view);
+    const auto before = namesBelow(m_tree.path("data"));
+    EXPECT_EQ(copied(m_tree, "data", "view/copy"), EINVAL);
+    Places places(m_tree, "data", "view/moved");
+    EXPECT_EQ(moveAcross(places.from, places.to), EINVAL);
+    EXPECT_EQ(namesBelow(m_tree.path("data")), before);
+}
+
+TEST_F(ItemCopyBehindMounts, MovesNoFileOnWhichSomethingIsMounted)
+{
+    write(m_tree.path("away/file"), "precious");
+    const auto mounted = MountedFolder::bound(m_tree.bytes("away/file"), m_tree.bytes("data/inner/deep/file"));
+    HAVREL_NEEDS_MOUNTED(mounted);
+    const auto before = namesBelow(m_tree.path("data"));
+    for (const char* moved : {"data", "data/inner/deep/file"}) {
+        Places places(m_tree, moved, "moved");
+        EXPECT_EQ(moveAcross(places.from, places.to), EBUSY);
+        EXPECT_FALSE(nameExists(m_tree.path("moved")));
+        EXPECT_EQ(namesBelow(m_tree.path("data")), before);
+    }
+    EXPECT_EQ(copied(m_tree, "data", "copy"), 0);
+    EXPECT_EQ(contentsOf(m_tree.path("copy/inner/deep/file")), "precious");
 }
 
 // ---- moves

@@ -23,7 +23,12 @@ public:
     }
 
     /// The same folder once more, but read-only.
-    [[nodiscard]] static MountedFolder readOnly(const QByteArray& folder) { return MountedFolder(folder); }
+    [[nodiscard]] static MountedFolder readOnly(const QByteArray& folder) { return {folder, bindReadOnly(folder)}; }
+    /// The item \p from, a folder or a file, seen at the item \p at as well.
+    [[nodiscard]] static MountedFolder bound(const QByteArray& from, const QByteArray& at)
+    {
+        return {at, ::mount(from.constData(), at.constData(), nullptr, MS_BIND, nullptr) == 0};
+    }
 
     /// An image of a file system, made by \p make and mounted through a loop device.
     MountedFolder(const QByteArray& image, const QByteArray& folder)
@@ -46,9 +51,9 @@ public:
     [[nodiscard]] int error() const noexcept { return m_error; }
 
 private:
-    explicit MountedFolder(const QByteArray& folder)
+    MountedFolder(const QByteArray& folder, bool mounted)
         : m_folder(folder)
-        , m_error(bindReadOnly(folder) ? 0 : errno)
+        , m_error(mounted ? 0 : errno)
     {
     }
 
