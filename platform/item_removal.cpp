@@ -196,14 +196,16 @@ bool CopiedItem::isUnchanged(const struct stat& now) const
 {
     if (identityOf(now) != identity)
         return false;
-    const bool untouched = std::tie(now.st_size, now.st_mtim.tv_sec, now.st_mtim.tv_nsec) ==
-                           std::tie(size, modified.tv_sec, modified.tv_nsec);
-    return S_ISDIR(now.st_mode) || untouched;
+    const bool sameContents = std::tie(now.st_size, now.st_mtim.tv_sec, now.st_mtim.tv_nsec) ==
+                              std::tie(size, modified.tv_sec, modified.tv_nsec);
+    const bool sameItem =
+        std::tie(now.st_ctim.tv_sec, now.st_ctim.tv_nsec) == std::tie(changed.tv_sec, changed.tv_nsec);
+    return S_ISDIR(now.st_mode) || (sameContents && (severalNames || sameItem));
 }
 
 CopiedItem copiedItem(const struct stat& status)
 {
-    return {identityOf(status), status.st_size, status.st_mtim};
+    return {identityOf(status), status.st_size, status.st_mtim, status.st_ctim, status.st_nlink > 1};
 }
 
 int removeItem(const QByteArray& path)

@@ -20,9 +20,12 @@ struct CopiedItem
     ItemIdentity identity;
     off_t size = 0; // in bytes
     struct timespec modified = {};
+    struct timespec changed = {}; // also by new attributes
+    bool severalNames = false;
 
-    /// Whether that is still the item, and nobody wrote to it since. A folder may have changed: it goes only when it
-    /// is empty.
+    /// Whether that is still the item, and nobody changed it or its attributes since. Of a file with several names only
+    /// what was written to it is told: the removal of a name is a change too. A folder may have changed: it goes only
+    /// when it is empty.
     [[nodiscard]] bool isUnchanged(const struct stat& now) const;
 };
 

@@ -65,6 +65,8 @@ void TreeCopy::takeBack()
 
 int TreeCopy::copyOther(const Pair& pair, const struct stat& status)
 {
+    if (refusesMountPoints() && isMountPoint(pair.fromFolder, pair.from))
+        return EBUSY;
     const bool severalNames = status.st_nlink > 1;
     if (!severalNames || !linkToCopy(pair, status)) {
         if (const int error = S_ISREG(status.st_mode) ? copyFile(pair, status) : makeOther(pair, status); error != 0)
@@ -185,7 +187,7 @@ int TreeCopy::refuseLast() const
 {
     if (m_top == m_from.identityOfLast())
         return EINVAL;
-    return m_loss == AttributeLoss::Refused && isMountPoint(m_from.last()) ? EBUSY : 0;
+    return refusesMountPoints() && isMountPoint(m_from.last()) ? EBUSY : 0;
 }
 
 /// Makes the copy of a folder and goes into it. Until it is finished nobody else can.

@@ -60,6 +60,8 @@ private:
     int noteCreated(int folder, const char* name);
 
     int enter(const Pair& pair);
+    /// What has a mount on it could not be removed afterwards.
+    [[nodiscard]] bool refusesMountPoints() const { return m_loss == AttributeLoss::Refused; }
     [[nodiscard]] int refuseLast() const;
     int makeFolder(const Pair& pair);
     int copyFiles();

@@ -145,6 +145,42 @@ TEST(ItemRemoval, DoesNotGoIntoWhatIsMounted)
     EXPECT_TRUE(nameExists(tree.path("other/precious")));
 }
 
+/// A change of an item's status, and whether the item then counts as unchanged: with one name, with several, a folder.
+struct StatusChange
+{
+    const char* label;
+    void (*change)(struct stat&);
+    bool withOneName, withSeveral, asFolder;
+};
+
+TEST(CopiedItem, TellsWhetherItChanged)
+{
+    const std::vector<StatusChange> rows{
+        {"nothing", [](struct stat&) {}, true, true, true},
+        {"read", [](struct stat& now) { now.st_atim.tv_nsec += 1; }, true, true, true},
+        {"new attributes", [](struct stat& now) { now.st_ctim.tv_nsec += 1; }, false, true, true},
+        {"new attributes later", [](struct stat& now) { now.st_ctim.tv_sec += 1; }, false, true, true},
+        {"written", [](struct stat& now) { now.st_mtim.tv_nsec += 1; }, false, false, true},
+        {"written later", [](struct stat& now) { now.st_mtim.tv_sec += 1; }, false, false, true},
+        {"made longer", [](struct stat& now) { now.st_size += 1; }, false, false, true},
+        {"another item", [](struct stat& now) { now.st_ino += 1; }, false, false, false},
+        {"on another device", [](struct stat& now) { now.st_dev += 1; }, false, false, false},
+    };
+    const auto remainsUnchanged = [](const StatusChange& row, mode_t mode, nlink_t names) {
+        struct stat status = {};
+        status.st_mode = mode;
+        status.st_nlink = names;
+        const CopiedItem item = copiedItem(status);
+        row.change(status);
+        return item.isUnchanged(status);
+    };
+    for (const StatusChange& row : rows) {
+        EXPECT_EQ(remainsUnchanged(row, S_IFREG, 1), row.withOneName) << row.label;
+        EXPECT_EQ(remainsUnchanged(row, S_IFREG, 2), row.withSeveral) << row.label;
+        EXPECT_EQ(remainsUnchanged(row, S_IFDIR, 2), row.asFolder) << row.label;
+    }
+}
+
 TEST(ItemRemoval, OfAListLeavesTheRest)
 {
     const TemporaryTree tree({"folder/mine", "folder/theirs", "folder/inner/mine"});
