@@ -28,6 +28,9 @@ std::string textOf(const QDateTime& date)
     return date.isValid() ? date.toUTC().toString(Qt::ISODateWithMs).toStdString() : "null";
 }
 
+/// A summer day, 12:34 in UTC.
+constexpr auto kJuly30 = "2025-07-30T12:34:56.789Z";
+
 struct StartCase
 {
     const char* label;
@@ -52,9 +55,9 @@ TEST_P(RelativeDateStart, IsTheFirstMomentOfThePeriodInTheUsersZone)
 }
 
 constexpr auto kStartCases = std::to_array<StartCase>({
-    {"day", startOfDay, "Europe/Berlin", "2025-07-30T12:34:56.789Z", "2025-07-29T22:00:00.000Z"},
+    {"day", startOfDay, "Europe/Berlin", kJuly30, "2025-07-29T22:00:00.000Z"},
     {"day_before_midnight_in_utc", startOfDay, "Europe/Berlin", "2025-07-29T23:30:00.000Z", "2025-07-29T22:00:00.000Z"},
-    {"day_in_utc", startOfDay, "UTC", "2025-07-30T12:34:56.789Z", "2025-07-30T00:00:00.000Z"},
+    {"day_in_utc", startOfDay, "UTC", kJuly30, "2025-07-30T00:00:00.000Z"},
     {"day_before_the_epoch", startOfDay, "UTC", "1969-12-31T23:59:59.999Z", "1969-12-31T00:00:00.000Z"},
     {"day_when_clocks_go_forward", startOfDay, "Europe/Berlin", "2025-03-30T12:00:00.000Z", "2025-03-29T23:00:00.000Z"},
     {"day_when_clocks_go_back", startOfDay, "Europe/Berlin", "2025-10-26T12:00:00.000Z", "2025-10-25T22:00:00.000Z"},
@@ -66,11 +69,11 @@ constexpr auto kStartCases = std::to_array<StartCase>({
      "1919-03-31T04:30:00.000Z"},
     {"day_with_two_midnights", startOfDay, "America/Havana", "2025-11-02T12:00:00.000Z", "2025-11-02T04:00:00.000Z"},
     {"day_after_a_day_left_out", startOfDay, "Pacific/Apia", "2011-12-30T20:00:00.000Z", "2011-12-30T10:00:00.000Z"},
-    {"month", startOfMonth, "Europe/Berlin", "2025-07-30T12:34:56.789Z", "2025-06-30T22:00:00.000Z"},
+    {"month", startOfMonth, "Europe/Berlin", kJuly30, "2025-06-30T22:00:00.000Z"},
     {"month_on_its_first_moment", startOfMonth, "UTC", "2025-07-01T00:00:00.000Z", "2025-07-01T00:00:00.000Z"},
-    {"year", startOfYear, "Europe/Berlin", "2025-07-30T12:34:56.789Z", "2024-12-31T23:00:00.000Z"},
+    {"year", startOfYear, "Europe/Berlin", kJuly30, "2024-12-31T23:00:00.000Z"},
     {"year_of_the_users_zone", startOfYear, "Asia/Tokyo", "2024-12-31T15:00:00.000Z", "2024-12-31T15:00:00.000Z"},
-    {"era", startOfEra, "UTC", "2025-07-30T12:34:56.789Z", "0001-01-01T00:00:00.000Z"},
+    {"era", startOfEra, "UTC", kJuly30, "0001-01-01T00:00:00.000Z"},
 });
 
 INSTANTIATE_TEST_SUITE_P(Cases, RelativeDateStart, ::testing::ValuesIn(kStartCases), [](const auto& each) {
@@ -101,33 +104,23 @@ TEST_P(RelativeDateWithHour, IsThatTimeOnTheUsersClock)
 }
 
 constexpr auto kHourCases = std::to_array<HourCase>({
-    {"both", "Europe/Berlin", "2025-07-30T12:34:56.789Z", 9, 5, "2025-07-30T07:05:00.000Z"},
-    {"own_hour", "Europe/Berlin", "2025-07-30T12:34:56.789Z", -1, 30, "2025-07-30T12:30:00.000Z"},
-    {"own_minute", "Europe/Berlin", "2025-07-30T12:34:56.789Z", 9, -1, "2025-07-30T07:34:00.000Z"},
-    {"own_both_lose_the_seconds", "Europe/Berlin", "2025-07-30T12:34:56.789Z", -1, -1, "2025-07-30T12:34:00.000Z"},
+    {"both", "Europe/Berlin", kJuly30, 9, 5, "2025-07-30T07:05:00.000Z"},
+    {"own_hour", "Europe/Berlin", kJuly30, -1, 30, "2025-07-30T12:30:00.000Z"},
+    {"own_minute", "Europe/Berlin", kJuly30, 9, -1, "2025-07-30T07:34:00.000Z"},
+    {"own_both_lose_the_seconds", "Europe/Berlin", kJuly30, -1, -1, "2025-07-30T12:34:00.000Z"},
     {"day_of_the_users_zone", "Asia/Tokyo", "2025-07-30T20:00:00.000Z", 0, 0, "2025-07-30T15:00:00.000Z"},
-    {"hour_beyond_the_day", "UTC", "2025-07-30T12:34:56.789Z", 24, 1, "2025-07-31T00:01:00.000Z"},
+    {"hour_beyond_the_day", "UTC", kJuly30, 24, 1, "2025-07-31T00:01:00.000Z"},
     {"minute_beyond_the_hour", "UTC", "2025-12-31T12:34:56.789Z", 23, 60, "2026-01-01T00:00:00.000Z"},
-    {"before_the_day", "UTC", "2025-07-30T12:34:56.789Z", -2, 0, "2025-07-29T22:00:00.000Z"},
+    {"before_the_day", "UTC", kJuly30, -2, 0, "2025-07-29T22:00:00.000Z"},
     {"left_out_moves_forward", "Europe/Berlin", "2025-03-30T12:00:00.000Z", 2, 30, "2025-03-30T01:30:00.000Z"},
     {"left_out_west_of_greenwich", "America/New_York", "2025-03-09T20:00:00.000Z", 2, 30, "2025-03-09T07:30:00.000Z"},
     {"left_out_half_an_hour", "Australia/Lord_Howe", "2025-10-05T02:00:00.000Z", 2, 10, "2025-10-04T15:40:00.000Z"},
     {"twice_takes_the_first", "Europe/Berlin", "2025-10-26T12:00:00.000Z", 2, 30, "2025-10-26T00:30:00.000Z"},
     {"twice_west_of_greenwich", "America/New_York", "2025-11-02T20:00:00.000Z", 1, 30, "2025-11-02T05:30:00.000Z"},
     {"after_the_change_of_the_day", "Europe/Berlin", "2025-03-29T23:30:00.000Z", 12, 0, "2025-03-30T10:00:00.000Z"},
-    {"largest_stored_minutes", "UTC", "2025-07-30T12:34:56.789Z", 307445734561825860L, 15, "null"},
-    {"largest_numbers",
-     "UTC",
-     "2025-07-30T12:34:56.789Z",
-     std::numeric_limits<long>::max(),
-     std::numeric_limits<long>::max(),
-     "null"},
-    {"smallest_numbers",
-     "UTC",
-     "2025-07-30T12:34:56.789Z",
-     std::numeric_limits<long>::min(),
-     std::numeric_limits<long>::min(),
-     "null"},
+    {"largest_stored_minutes", "UTC", kJuly30, 307445734561825860L, 15, "null"},
+    {"largest_numbers", "UTC", kJuly30, std::numeric_limits<long>::max(), std::numeric_limits<long>::max(), "null"},
+    {"smallest_numbers", "UTC", kJuly30, std::numeric_limits<long>::min(), std::numeric_limits<long>::min(), "null"},
 });
 
 INSTANTIATE_TEST_SUITE_P(Cases, RelativeDateWithHour, ::testing::ValuesIn(kHourCases), [](const auto& each) {
@@ -162,17 +155,17 @@ constexpr auto kReverse = ReverseDirection::Yes;
 constexpr qint64 kLargest = std::numeric_limits<qint64>::max();
 constexpr qint64 kSmallest = std::numeric_limits<qint64>::min();
 constexpr auto kOffsetCases = std::to_array<OffsetCase>({
-    {"minutes", "2025-07-30T12:34:56.789Z", 90, kForwards, 0, "2025-07-30T14:04:56.789Z"},
-    {"hours", "2025-07-30T12:34:56.789Z", 23, kForwards, 1, "2025-07-31T11:34:56.789Z"},
-    {"days", "2025-07-30T12:34:56.789Z", 31, kForwards, 2, "2025-08-30T12:34:56.789Z"},
-    {"weeks", "2025-07-30T12:34:56.789Z", 2, kForwards, 3, "2025-08-13T12:34:56.789Z"},
-    {"months", "2025-07-30T12:34:56.789Z", 1, kForwards, 4, "2025-08-30T12:34:56.789Z"},
-    {"years", "2025-07-30T12:34:56.789Z", 5, kForwards, 5, "2030-07-30T12:34:56.789Z"},
-    {"unknown_scale", "2025-07-30T12:34:56.789Z", 5, kForwards, 6, "2025-07-30T12:34:56.789Z"},
-    {"largest_scale", "2025-07-30T12:34:56.789Z", 5, kReverse, 0xFFFFFFFF, "2025-07-30T12:34:56.789Z"},
-    {"two_months_reverse", "2025-07-30T12:34:56.789Z", 2, kReverse, 4, "2025-05-30T12:34:56.789Z"},
-    {"negative_offset", "2025-07-30T12:34:56.789Z", -2, kForwards, 4, "2025-05-30T12:34:56.789Z"},
-    {"negative_offset_reverse", "2025-07-30T12:34:56.789Z", -1, kReverse, 2, "2025-07-31T12:34:56.789Z"},
+    {"minutes", kJuly30, 90, kForwards, 0, "2025-07-30T14:04:56.789Z"},
+    {"hours", kJuly30, 23, kForwards, 1, "2025-07-31T11:34:56.789Z"},
+    {"days", kJuly30, 31, kForwards, 2, "2025-08-30T12:34:56.789Z"},
+    {"weeks", kJuly30, 2, kForwards, 3, "2025-08-13T12:34:56.789Z"},
+    {"months", kJuly30, 1, kForwards, 4, "2025-08-30T12:34:56.789Z"},
+    {"years", kJuly30, 5, kForwards, 5, "2030-07-30T12:34:56.789Z"},
+    {"unknown_scale", kJuly30, 5, kForwards, 6, kMoment},
+    {"largest_scale", kJuly30, 5, kReverse, 0xFFFFFFFF, kMoment},
+    {"two_months_reverse", kJuly30, 2, kReverse, 4, "2025-05-30T12:34:56.789Z"},
+    {"negative_offset", kJuly30, -2, kForwards, 4, "2025-05-30T12:34:56.789Z"},
+    {"negative_offset_reverse", kJuly30, -1, kReverse, 2, "2025-07-31T12:34:56.789Z"},
     {"month_end", "2025-01-31T12:00:00.000Z", 1, kForwards, 4, "2025-02-28T12:00:00.000Z"},
     {"month_end_of_a_leap_year", "2024-01-31T12:00:00.000Z", 1, kForwards, 4, "2024-02-29T12:00:00.000Z"},
     {"month_end_reverse", "2025-03-31T12:00:00.000Z", 1, kReverse, 4, "2025-02-28T13:00:00.000Z"},
@@ -182,13 +175,13 @@ constexpr auto kOffsetCases = std::to_array<OffsetCase>({
     {"week_back_over_the_change", "2025-10-29T12:00:00.000Z", 1, kReverse, 3, "2025-10-22T11:00:00.000Z"},
     {"hours_over_the_change_are_lengths", "2025-03-29T12:00:00.000Z", 24, kForwards, 1, "2025-03-30T12:00:00.000Z"},
     {"day_into_what_is_left_out", "2025-03-29T01:30:15.250Z", 1, kForwards, 2, "2025-03-30T01:30:15.250Z"},
-    {"largest_minutes", "2025-07-30T12:34:56.789Z", kLargest, kForwards, 0, "null"},
-    {"largest_days", "2025-07-30T12:34:56.789Z", kLargest, kForwards, 2, "null"},
-    {"largest_weeks", "2025-07-30T12:34:56.789Z", kLargest, kReverse, 3, "null"},
-    {"largest_months", "2025-07-30T12:34:56.789Z", kLargest, kForwards, 4, "null"},
-    {"largest_years", "2025-07-30T12:34:56.789Z", std::numeric_limits<int>::max(), kForwards, 5, "null"},
-    {"smallest_reverse", "2025-07-30T12:34:56.789Z", kSmallest, kReverse, 2, "null"},
-    {"smallest_forwards", "2025-07-30T12:34:56.789Z", kSmallest, kForwards, 1, "null"},
+    {"largest_minutes", kJuly30, kLargest, kForwards, 0, "null"},
+    {"largest_days", kJuly30, kLargest, kForwards, 2, "null"},
+    {"largest_weeks", kJuly30, kLargest, kReverse, 3, "null"},
+    {"largest_months", kJuly30, kLargest, kForwards, 4, "null"},
+    {"largest_years", kJuly30, std::numeric_limits<int>::max(), kForwards, 5, "null"},
+    {"smallest_reverse", kJuly30, kSmallest, kReverse, 2, "null"},
+    {"smallest_forwards", kJuly30, kSmallest, kForwards, 1, "null"},
 });
 
 INSTANTIATE_TEST_SUITE_P(Cases, RelativeDateOffset, ::testing::ValuesIn(kOffsetCases), [](const auto& each) {
@@ -236,8 +229,7 @@ TEST(RelativeDate, AnswersTheVeryDateForAnOffsetOfNothing)
 
 TEST(RelativeDate, OffsetsForwardsUnlessToldOtherwise)
 {
-    EXPECT_EQ(textOf(dateOffsetBy(utc("2025-07-30T12:34:56.789Z"), 1, DurationScale::Hours)),
-              "2025-07-30T13:34:56.789Z");
+    EXPECT_EQ(textOf(dateOffsetBy(utc(kJuly30), 1, DurationScale::Hours)), "2025-07-30T13:34:56.789Z");
 }
 
 TEST(RelativeDate, BeginsTodayWhereTheUserIs)

@@ -4,8 +4,7 @@
 #include "diagnostics/exception.h"
 #include "foundation/observation_hub.h"
 #include "foundation/observing.h"
-#include "tests/foundation/observation_journal.h"
-#include "tests/foundation/observed_book.h"
+#include "tests/foundation/observation_fixture.h"
 #include "tests/foundation/observed_switch.h"
 
 #include <gtest/gtest.h>
@@ -13,257 +12,226 @@
 namespace havrel {
 namespace {
 
-constexpr auto kLater = ObservationOptions::NoInitialCall;
+using ObservedKeyPath = ObservationFixture;
 
-TEST(KeyPathChain, BringsChangesOfTheLastObject)
+TEST_F(ObservedKeyPath, BringsChangesOfTheLastObject)
 {
-    ObservationJournal journal;
-    ObservedBook book;
     ObservedBook sequel;
-    book.setSequel(&sequel);
-    observeProperty(book, "sequel.pages", journal.block());
+    m_book.setSequel(&sequel);
+    observeProperty(m_book, "sequel.pages", m_journal.block());
 
     sequel.setPages(5);
-    book.setPages(6);
+    m_book.setPages(6);
 
-    EXPECT_EQ(journal.read(), "0->0; 0->5");
+    EXPECT_EQ(m_journal.read(), "0->0; 0->5");
 }
 
-TEST(KeyPathChain, BringsEditsOfTheLastObjectByKind)
+TEST_F(ObservedKeyPath, BringsEditsOfTheLastObjectByKind)
 {
-    ObservationJournal journal;
-    ObservedBook book;
     ObservedBook sequel;
-    book.setSequel(&sequel);
+    m_book.setSequel(&sequel);
     observeRelationship(
-        book, "sequel.marks", kLater, {.change = journal.block(), .insertion = journal.insertionBlock()});
+        m_book, "sequel.marks", kLater, {.change = m_journal.block(), .insertion = m_journal.insertionBlock()});
 
     sequel.insertMarks({7}, {0});
     sequel.removeMarks({0});
 
-    EXPECT_EQ(journal.read(), "insert (7) at { 0 }; (null)->()");
+    EXPECT_EQ(m_journal.read(), "insert (7) at { 0 }; (null)->()");
 }
 
-TEST(KeyPathChain, FollowsAnObjectOnTheWayThatIsReplaced)
+TEST_F(ObservedKeyPath, FollowsAnObjectOnTheWayThatIsReplaced)
 {
-    ObservationJournal journal;
-    ObservedBook book;
     ObservedBook first;
     ObservedBook second;
     first.setPages(1);
     second.setPages(2);
-    book.setSequel(&first);
-    observeProperty(book, "sequel.pages", kLater, journal.block());
+    m_book.setSequel(&first);
+    observeProperty(m_book, "sequel.pages", kLater, m_journal.block());
 
-    book.setSequel(&second);
+    m_book.setSequel(&second);
     first.setPages(10);
     second.setPages(20);
-    book.setSequel(nullptr);
+    m_book.setSequel(nullptr);
     second.setPages(30);
-    book.setSequel(&first);
+    m_book.setSequel(&first);
 
-    EXPECT_EQ(journal.read(), "1->2; 2->20; 20->(null); (null)->10");
+    EXPECT_EQ(m_journal.read(), "1->2; 2->20; 20->(null); (null)->10");
 }
 
-TEST(KeyPathChain, IsSilentWhenTheReplacementLeadsToAnEqualValue)
+TEST_F(ObservedKeyPath, IsSilentWhenTheReplacementLeadsToAnEqualValue)
 {
-    ObservationJournal journal;
-    ObservedBook book;
     ObservedBook first;
     ObservedBook second;
-    book.setSequel(&first);
-    observeProperty(book, "sequel.pages", kLater, journal.block());
+    m_book.setSequel(&first);
+    observeProperty(m_book, "sequel.pages", kLater, m_journal.block());
 
-    book.setSequel(&second);
+    m_book.setSequel(&second);
 
-    EXPECT_EQ(journal.read(), "");
+    EXPECT_EQ(m_journal.read(), "");
 }
 
-TEST(KeyPathChain, TakesTheValueForNilWhenAnObjectOnTheWayDies)
+TEST_F(ObservedKeyPath, TakesTheValueForNilWhenAnObjectOnTheWayDies)
 {
-    ObservationJournal journal;
-    ObservedBook book;
     ObservedBook next;
     auto sequel = std::make_unique<ObservedBook>();
     sequel->setPages(3);
-    book.setSequel(sequel.get());
-    observeProperty(book, "sequel.pages", kLater, journal.block());
+    m_book.setSequel(sequel.get());
+    observeProperty(m_book, "sequel.pages", kLater, m_journal.block());
 
     sequel.reset(); // the property still holds its address
-    EXPECT_EQ(journal.read(), "3->(null)");
-    book.setSequel(nullptr);
-    EXPECT_EQ(journal.read(), "");
-    book.setSequel(&next);
+    EXPECT_EQ(m_journal.read(), "3->(null)");
+    m_book.setSequel(nullptr);
+    EXPECT_EQ(m_journal.read(), "");
+    m_book.setSequel(&next);
 
-    EXPECT_EQ(journal.read(), "(null)->0");
+    EXPECT_EQ(m_journal.read(), "(null)->0");
 }
 
-TEST(KeyPathChain, AnswersALaterBlockWithoutLookingAtTheDeadObject)
+TEST_F(ObservedKeyPath, AnswersALaterBlockWithoutLookingAtTheDeadObject)
 {
-    ObservationJournal journal;
-    ObservedBook book;
     auto sequel = std::make_unique<ObservedBook>();
-    book.setSequel(sequel.get());
-    observeProperty(book, "sequel.pages", kLater, [](auto&&...) {});
+    m_book.setSequel(sequel.get());
+    observeProperty(m_book, "sequel.pages", kLater, [](auto&&...) {});
     sequel.reset();
 
-    observeProperty(book, "sequel.pages", journal.block());
+    observeProperty(m_book, "sequel.pages", m_journal.block());
 
-    EXPECT_EQ(journal.read(), "(null)->(null)");
+    EXPECT_EQ(m_journal.read(), "(null)->(null)");
 }
 
-TEST(KeyPathChain, GoesOverSeveralObjects)
+TEST_F(ObservedKeyPath, GoesOverSeveralObjects)
 {
-    ObservationJournal journal;
-    ObservedBook book;
     ObservedBook second;
     ObservedBook third;
-    book.setSequel(&second);
+    m_book.setSequel(&second);
     second.setSequel(&third);
-    observeProperty(book, "sequel.sequel.title", kLater, journal.block());
+    observeProperty(m_book, "sequel.sequel.title", kLater, m_journal.block());
 
     third.setTitle(QStringLiteral("End"));
     second.setSequel(nullptr);
     third.setTitle(QStringLiteral("unheard"));
     second.setSequel(&third);
-    book.setSequel(&third);
+    m_book.setSequel(&third);
 
-    EXPECT_EQ(journal.read(), "(null)->End; End->(null); (null)->unheard; unheard->(null)");
+    EXPECT_EQ(m_journal.read(), "(null)->End; End->(null); (null)->unheard; unheard->(null)");
 }
 
-TEST(KeyPathChain, MayMeetTheSameObjectTwice)
+TEST_F(ObservedKeyPath, MayMeetTheSameObjectTwice)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    book.setSequel(&book);
-    observeProperty(book, "sequel.sequel.pages", kLater, journal.block());
+    m_book.setSequel(&m_book);
+    observeProperty(m_book, "sequel.sequel.pages", kLater, m_journal.block());
 
-    book.setPages(4);
-    book.setSequel(nullptr);
+    m_book.setPages(4);
+    m_book.setSequel(nullptr);
 
-    EXPECT_EQ(journal.read(), "0->4; 4->(null)");
+    EXPECT_EQ(m_journal.read(), "0->4; 4->(null)");
 }
 
-TEST(KeyPathChain, LeadsThroughSharedObjects)
+TEST_F(ObservedKeyPath, LeadsThroughSharedObjects)
 {
-    ObservationJournal journal;
-    ObservedBook book;
     auto prequel = std::make_shared<ObservedBook>();
-    book.setPrequel(prequel);
-    observeProperty(book, "prequel.pages", journal.block());
+    m_book.setPrequel(prequel);
+    observeProperty(m_book, "prequel.pages", m_journal.block());
 
     prequel->setPages(1);
-    book.setPrequel(std::make_shared<ObservedBook>());
+    m_book.setPrequel(std::make_shared<ObservedBook>());
     prequel->setPages(2);
-    book.setPrequel(nullptr);
+    m_book.setPrequel(nullptr);
 
-    EXPECT_EQ(journal.read(), "0->0; 0->1; 1->0; 0->(null)");
+    EXPECT_EQ(m_journal.read(), "0->0; 0->1; 1->0; 0->(null)");
 }
 
-TEST(KeyPathChain, LeadsThroughValuesOfNoFixedType)
+TEST_F(ObservedKeyPath, LeadsThroughValuesOfNoFixedType)
 {
-    ObservationJournal journal;
-    ObservedBook book;
     ObservedBook other;
-    observeProperty(book, "note.pages", journal.block());
+    observeProperty(m_book, "note.pages", m_journal.block());
 
-    book.setNote(QVariant::fromValue(&other));
+    m_book.setNote(QVariant::fromValue(&other));
     other.setPages(1);
-    book.setNote(QStringLiteral("no object"));
-    book.setNote(QVariant::fromValue(std::make_shared<ObservedBook>()));
+    m_book.setNote(QStringLiteral("no object"));
+    m_book.setNote(QVariant::fromValue(std::make_shared<ObservedBook>()));
 
-    EXPECT_EQ(journal.read(), "(null)->(null); (null)->0; 0->1; 1->(null); (null)->0");
+    EXPECT_EQ(m_journal.read(), "(null)->(null); (null)->0; 0->1; 1->(null); (null)->0");
 }
 
-TEST(KeyPathChain, LeadsFromAndToForeignObjects)
+TEST_F(ObservedKeyPath, LeadsFromAndToForeignObjects)
 {
-    ObservationJournal journal;
     ObservedSwitch first;
     ObservedSwitch second;
-    ObservedBook book;
-    ObservedBook owner;
     first.setPartner(&second);
-    second.setPartner(&book);
-    observeObject({owner, first}, "partner.partner.pages", journal.block());
+    second.setPartner(&m_book);
+    observeObject({m_owner, first}, "partner.partner.pages", m_journal.block());
 
-    book.setPages(2);
+    m_book.setPages(2);
     second.setPartner(nullptr);
 
-    EXPECT_EQ(journal.read(), "0->0; 0->2; 2->(null)");
+    EXPECT_EQ(m_journal.read(), "0->0; 0->2; 2->(null)");
 }
 
-TEST(KeyPathChain, NoticesTheDeathOfAForeignObjectOnTheWay)
+TEST_F(ObservedKeyPath, NoticesTheDeathOfAForeignObjectOnTheWay)
 {
-    ObservationJournal journal;
-    ObservedBook book;
     auto window = std::make_unique<ObservedSwitch>();
-    book.setWindow(window.get());
+    m_book.setWindow(window.get());
     window->setLevel(4);
-    observeProperty(book, "window.level", kLater, journal.block());
+    observeProperty(m_book, "window.level", kLater, m_journal.block());
 
     window.reset();
 
-    EXPECT_EQ(journal.read(), "4->(null)");
+    EXPECT_EQ(m_journal.read(), "4->(null)");
 }
 
-TEST(KeyPathChain, EndsWithItsOwnerOnEveryObject)
+TEST_F(ObservedKeyPath, EndsWithItsOwnerOnEveryObject)
 {
-    ObservationJournal journal;
-    ObservedBook book;
     ObservedBook sequel;
-    book.setSequel(&sequel);
+    m_book.setSequel(&sequel);
     {
         ObservedBook owner;
-        observeObject({owner, book}, "sequel.pages", kLater, journal.block());
+        observeObject({owner, m_book}, "sequel.pages", kLater, m_journal.block());
         ASSERT_TRUE(ObservationHub::of(sequel).isObserved("pages"));
     }
     EXPECT_FALSE(ObservationHub::of(sequel).isObserved("pages"));
-    EXPECT_FALSE(ObservationHub::of(book).isObserved("sequel"));
+    EXPECT_FALSE(ObservationHub::of(m_book).isObserved("sequel"));
 
     sequel.setPages(1);
-    book.setSequel(nullptr);
+    m_book.setSequel(nullptr);
 
-    EXPECT_EQ(journal.read(), "");
+    EXPECT_EQ(m_journal.read(), "");
 }
 
-TEST(KeyPathChain, EndsWithItsTargetAndLeavesTheOthersAlone)
+TEST_F(ObservedKeyPath, EndsWithItsTargetAndLeavesTheOthersAlone)
 {
-    ObservationJournal journal;
     ObservedBook sequel;
-    ObservedBook owner;
     {
         ObservedBook book;
         book.setSequel(&sequel);
-        observeObject({owner, book}, "sequel.pages", kLater, journal.block());
+        observeObject({m_owner, book}, "sequel.pages", kLater, m_journal.block());
     }
 
     sequel.setPages(1);
 
-    EXPECT_EQ(journal.read(), "");
+    EXPECT_EQ(m_journal.read(), "");
     EXPECT_FALSE(ObservationHub::of(sequel).isObserved("pages"));
 }
 
-TEST(KeyPathChain, ListensWhereTheLastOfTwoNestedChangesLeads)
+TEST_F(ObservedKeyPath, ListensWhereTheLastOfTwoNestedChangesLeads)
 {
-    ObservationJournal journal;
-    ObservedBook book;
     ObservedBook first;
     ObservedBook second;
-    observeProperty(book, "sequel", kLater, [&](QObject*, QObject*, const QVariant&, const QVariant& now) {
+    observeProperty(m_book, "sequel", kLater, [&](QObject*, QObject*, const QVariant&, const QVariant& now) {
         if (now.value<ObservedBook*>() == &first)
-            book.setSequel(&second);
+            m_book.setSequel(&second);
     });
-    observeProperty(book, "sequel.pages", kLater, journal.block());
+    observeProperty(m_book, "sequel.pages", kLater, m_journal.block());
 
-    book.setSequel(&first);
-    EXPECT_EQ(journal.read(), "(null)->0");
+    m_book.setSequel(&first);
+    EXPECT_EQ(m_journal.read(), "(null)->0");
     first.setPages(1);
     second.setPages(2);
 
-    EXPECT_EQ(journal.read(), "0->2");
+    EXPECT_EQ(m_journal.read(), "0->2");
 }
 
-TEST(KeyPathChain, SurvivesABlockThatDeletesTheTargetFromTheLastObject)
+TEST_F(ObservedKeyPath, SurvivesABlockThatDeletesTheTargetFromTheLastObject)
 {
     auto book = std::make_unique<ObservedBook>();
     ObservedBook sequel;
@@ -277,29 +245,26 @@ TEST(KeyPathChain, SurvivesABlockThatDeletesTheTargetFromTheLastObject)
     EXPECT_EQ(book, nullptr);
 }
 
-TEST(KeyPathChain, SurvivesABlockThatDeletesTheObjectOnTheWay)
+TEST_F(ObservedKeyPath, SurvivesABlockThatDeletesTheObjectOnTheWay)
 {
-    ObservationJournal journal;
-    ObservedBook book;
     auto sequel = std::make_unique<ObservedBook>();
-    book.setSequel(sequel.get());
-    observeProperty(book, "sequel.pages", kLater, [&](QObject*, QObject*, const QVariant&, const QVariant& now) {
-        journal.write(descriptionOf(now));
+    m_book.setSequel(sequel.get());
+    observeProperty(m_book, "sequel.pages", kLater, [&](QObject*, QObject*, const QVariant&, const QVariant& now) {
+        m_journal.write(descriptionOf(now));
         sequel.reset();
     });
 
     sequel->setPages(1);
 
-    EXPECT_EQ(journal.read(), "1; (null)");
+    EXPECT_EQ(m_journal.read(), "1; (null)");
 }
 
-TEST(KeyPathChain, KeepsWhatABlockThrowsAtAnObjectsDeathFromItsDestructor)
+TEST_F(ObservedKeyPath, KeepsWhatABlockThrowsAtAnObjectsDeathFromItsDestructor)
 {
-    ObservedBook book;
     auto sequel = std::make_unique<ObservedBook>();
-    book.setSequel(sequel.get());
+    m_book.setSequel(sequel.get());
     int calls = 0;
-    observeProperty(book, "sequel.pages", kLater, [&calls](QObject*, QObject*, const QVariant&, const QVariant&) {
+    observeProperty(m_book, "sequel.pages", kLater, [&calls](QObject*, QObject*, const QVariant&, const QVariant&) {
         ++calls;
         throw std::runtime_error("refused");
     });
@@ -309,19 +274,18 @@ TEST(KeyPathChain, KeepsWhatABlockThrowsAtAnObjectsDeathFromItsDestructor)
     EXPECT_EQ(calls, 1);
 }
 
-TEST(KeyPathChain, RefusesAnUnknownNameOnTheWayAndLeavesNothingBehind)
+TEST_F(ObservedKeyPath, RefusesAnUnknownNameOnTheWayAndLeavesNothingBehind)
 {
-    ObservedBook book;
     ObservedBook sequel;
-    book.setSequel(&sequel);
+    m_book.setSequel(&sequel);
 
-    EXPECT_THROW(observeProperty(book, "sequel.colour", [](auto&&...) {}), HVException);
-    EXPECT_THROW(observeProperty(book, "colour.pages", [](auto&&...) {}), HVException);
-    EXPECT_THROW(observeProperty(book, "sequel..pages", [](auto&&...) {}), HVException);
-    EXPECT_THROW(observeProperty(book, ".", [](auto&&...) {}), HVException);
+    EXPECT_THROW(observeProperty(m_book, "sequel.colour", [](auto&&...) {}), HVException);
+    EXPECT_THROW(observeProperty(m_book, "colour.pages", [](auto&&...) {}), HVException);
+    EXPECT_THROW(observeProperty(m_book, "sequel..pages", [](auto&&...) {}), HVException);
+    EXPECT_THROW(observeProperty(m_book, ".", [](auto&&...) {}), HVException);
 
-    EXPECT_TRUE(ObservationHub::of(book).observers().empty());
-    EXPECT_FALSE(ObservationHub::of(book).isObserved("sequel"));
+    EXPECT_TRUE(ObservationHub::of(m_book).observers().empty());
+    EXPECT_FALSE(ObservationHub::of(m_book).isObserved("sequel"));
 }
 
 } // namespace

@@ -3,8 +3,7 @@
 
 #include "diagnostics/exception.h"
 #include "foundation/observing.h"
-#include "tests/foundation/observation_journal.h"
-#include "tests/foundation/observed_book.h"
+#include "tests/foundation/observation_fixture.h"
 #include "tests/foundation/observed_switch.h"
 
 #include <gtest/gtest.h>
@@ -12,113 +11,100 @@
 namespace havrel {
 namespace {
 
-constexpr auto kLater = ObservationOptions::NoInitialCall;
-
-TEST(NotifyRelay, BringsOldAndNewValuesOfAForeignObject)
+class SignalRelay : public ObservationFixture
 {
-    ObservationJournal journal;
-    ObservedSwitch target;
-    ObservedBook owner;
-    observeObject({owner, target}, "level", journal.block());
+protected:
+    ObservedSwitch m_target;
+};
 
-    target.setLevel(3);
-    target.setLevel(3); // signals without a change
-    target.setLevel(4);
+TEST_F(SignalRelay, BringsOldAndNewValuesOfAForeignObject)
+{
+    observeObject({m_owner, m_target}, "level", m_journal.block());
 
-    EXPECT_EQ(journal.read(), "0->0; 0->3; 3->4");
+    m_target.setLevel(3);
+    m_target.setLevel(3); // signals without a change
+    m_target.setLevel(4);
+
+    EXPECT_EQ(m_journal.read(), "0->0; 0->3; 3->4");
 }
 
-TEST(NotifyRelay, LetsAForeignObjectObserveItself)
+TEST_F(SignalRelay, LetsAForeignObjectObserveItself)
 {
-    ObservationJournal journal;
-    ObservedSwitch target;
-    observeProperty(target, "level", kLater, journal.block());
+    observeProperty(m_target, "level", kLater, m_journal.block());
 
-    target.setLevel(3);
+    m_target.setLevel(3);
 
-    EXPECT_EQ(journal.read(), "0->3");
+    EXPECT_EQ(m_journal.read(), "0->3");
 }
 
-TEST(NotifyRelay, ServesInheritedPropertiesOfAnObservable)
+TEST_F(SignalRelay, ServesInheritedPropertiesOfAnObservable)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    observeProperty(book, "objectName", kLater, journal.block());
+    observeProperty(m_book, "objectName", kLater, m_journal.block());
 
-    book.setObjectName(QStringLiteral("tides"));
+    m_book.setObjectName(QStringLiteral("tides"));
 
-    EXPECT_EQ(journal.read(), "(null)->tides");
+    EXPECT_EQ(m_journal.read(), "(null)->tides");
 }
 
-TEST(NotifyRelay, DeliversBothChangesToEveryObserverWhenABlockSetsAgain)
+TEST_F(SignalRelay, DeliversBothChangesToEveryObserverWhenABlockSetsAgain)
 {
-    ObservationJournal journal;
-    ObservedSwitch target;
-    ObservedBook owner;
-    observeProperty(target, "level", kLater, [&target](QObject*, QObject*, const QVariant&, const QVariant& now) {
+    observeProperty(m_target, "level", kLater, [this](QObject*, QObject*, const QVariant&, const QVariant& now) {
         if (now == 1)
-            target.setLevel(2);
+            m_target.setLevel(2);
     });
-    observeProperty(target, "level", kLater, journal.block());
-    observeObject({owner, target}, "level", kLater, journal.block(QStringLiteral("other ")));
+    observeProperty(m_target, "level", kLater, m_journal.block());
+    observeObject({m_owner, m_target}, "level", kLater, m_journal.block(QStringLiteral("other ")));
 
-    target.setLevel(1);
+    m_target.setLevel(1);
 
-    EXPECT_EQ(journal.read(), "1->2; other 1->2; 0->1; other 0->1");
+    EXPECT_EQ(m_journal.read(), "1->2; other 1->2; 0->1; other 0->1");
 }
 
-TEST(NotifyRelay, IsGoneWithTheLastObservation)
+TEST_F(SignalRelay, IsGoneWithTheLastObservation)
 {
-    ObservedSwitch target;
-    ObservedBook owner;
     ObservedBook other;
-    observeObject({owner, target}, "level", [](auto&&...) {});
-    observeObject({other, target}, "level", [](auto&&...) {});
-    ASSERT_TRUE(target.isListenedTo());
+    observeObject({m_owner, m_target}, "level", [](auto&&...) {});
+    observeObject({other, m_target}, "level", [](auto&&...) {});
+    ASSERT_TRUE(m_target.isListenedTo());
 
-    removeAllObservations(owner);
-    EXPECT_TRUE(target.isListenedTo());
+    removeAllObservations(m_owner);
+    EXPECT_TRUE(m_target.isListenedTo());
     removeAllObservations(other);
 
-    EXPECT_FALSE(target.isListenedTo());
+    EXPECT_FALSE(m_target.isListenedTo());
 }
 
-TEST(NotifyRelay, SurvivesABlockThatEndsTheObservation)
+TEST_F(SignalRelay, SurvivesABlockThatEndsTheObservation)
 {
-    ObservationJournal journal;
-    ObservedSwitch target;
-    observeProperty(target, "level", kLater, [&](QObject* owner, QObject*, const QVariant&, const QVariant&) {
+    observeProperty(m_target, "level", kLater, [&](QObject* owner, QObject*, const QVariant&, const QVariant&) {
         removeAllObservations(*owner);
-        journal.write(QStringLiteral("ended"));
+        m_journal.write(QStringLiteral("ended"));
     });
 
-    target.setLevel(1);
-    target.setLevel(2);
+    m_target.setLevel(1);
+    m_target.setLevel(2);
 
-    EXPECT_EQ(journal.read(), "ended");
-    EXPECT_FALSE(target.isListenedTo());
+    EXPECT_EQ(m_journal.read(), "ended");
+    EXPECT_FALSE(m_target.isListenedTo());
 }
 
-TEST(NotifyRelay, SurvivesABlockThatDeletesTheTarget)
+TEST_F(SignalRelay, SurvivesABlockThatDeletesTheTarget)
 {
-    ObservationJournal journal;
     auto* target = std::make_unique<ObservedSwitch>().release();
-    ObservedBook owner;
-    observeObject({owner, *target}, "level", kLater, [](QObject*, QObject* object, const QVariant&, const QVariant&) {
+    observeObject({m_owner, *target}, "level", kLater, [](QObject*, QObject* object, const QVariant&, const QVariant&) {
         delete object;
     });
-    observeObject({owner, *target}, "level", kLater, journal.block());
+    observeObject({m_owner, *target}, "level", kLater, m_journal.block());
 
     target->setLevel(1);
 
-    EXPECT_EQ(journal.read(), "");
+    EXPECT_EQ(m_journal.read(), "");
 }
 
-TEST(NotifyRelay, RefusesAPropertyThatDoesNotTellOfItsChanges)
+TEST_F(SignalRelay, RefusesAPropertyThatDoesNotTellOfItsChanges)
 {
-    ObservedSwitch target;
     try {
-        observeProperty(target, "silent", [](auto&&...) {});
+        observeProperty(m_target, "silent", [](auto&&...) {});
         FAIL() << "observed a property without a signal";
     } catch (const HVException& exception) {
         EXPECT_EQ(exception.reason(), QStringLiteral("property does not tell of its changes"));
@@ -126,14 +112,11 @@ TEST(NotifyRelay, RefusesAPropertyThatDoesNotTellOfItsChanges)
     }
 }
 
-TEST(NotifyRelay, IsNotNeededForAConstant)
+TEST_F(SignalRelay, IsNotNeededForAConstant)
 {
-    ObservationJournal journal;
-    ObservedBook book;
+    observeProperty(m_book, "edition", m_journal.block());
 
-    observeProperty(book, "edition", journal.block());
-
-    EXPECT_EQ(journal.read(), "1->1");
+    EXPECT_EQ(m_journal.read(), "1->1");
 }
 
 } // namespace

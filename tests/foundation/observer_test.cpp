@@ -1,28 +1,26 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/observer.h"
 
-#include "tests/foundation/observation_journal.h"
-#include "tests/foundation/observed_book.h"
+#include "tests/foundation/observation_fixture.h"
 
 #include <gtest/gtest.h>
 
 namespace havrel {
 namespace {
 
-TEST(MTKObserver, KnowsWhatItObservesForWhom)
+using Observer = ObservationFixture;
+
+TEST_F(Observer, KnowsWhatItObservesForWhom)
 {
-    ObservedBook book;
-    ObservedBook owner;
+    const auto observer = MTKObserver::withTarget(m_book, "pages", &m_owner);
 
-    const auto observer = MTKObserver::withTarget(book, "pages", &owner);
-
-    EXPECT_EQ(observer->target(), &book);
-    EXPECT_EQ(observer->owner(), &owner);
+    EXPECT_EQ(observer->target(), &m_book);
+    EXPECT_EQ(observer->owner(), &m_owner);
     EXPECT_EQ(observer->keyPath(), KeyPath("pages"));
     EXPECT_FALSE(observer->attached());
 }
 
-TEST(MTKObserver, HoldsTargetAndOwnerWeakly)
+TEST_F(Observer, HoldsTargetAndOwnerWeakly)
 {
     auto book = std::make_unique<ObservedBook>();
     auto owner = std::make_unique<ObservedBook>();
@@ -40,76 +38,68 @@ TEST(MTKObserver, HoldsTargetAndOwnerWeakly)
     EXPECT_FALSE(observer->attached());
 }
 
-TEST(MTKObserver, PassesNoOwnerOnceThatIsGone)
+TEST_F(Observer, PassesNoOwnerOnceThatIsGone)
 {
-    ObservedBook book;
     auto owner = std::make_unique<ObservedBook>();
-    const auto observer = MTKObserver::withTarget(book, "pages", owner.get());
+    const auto observer = MTKObserver::withTarget(m_book, "pages", owner.get());
     std::vector<QObject*> owners;
     observer->addSettingObservationBlock(
         [&owners](QObject* each, QObject*, const QVariant&, const QVariant&) { owners.push_back(each); });
     observer->attach();
     owner.reset();
 
-    book.setPages(1);
+    m_book.setPages(1);
 
     EXPECT_EQ(owners.back(), nullptr);
 }
 
-TEST(MTKObserver, ListensOnlyWhileItIsAttached)
+TEST_F(Observer, ListensOnlyWhileItIsAttached)
 {
-    ObservedBook book;
-    ObservationJournal journal;
-    const auto observer = MTKObserver::withTarget(book, "pages", nullptr);
+    const auto observer = MTKObserver::withTarget(m_book, "pages", nullptr);
     observer->attach();
-    observer->addSettingObservationBlock(journal.block());
+    observer->addSettingObservationBlock(m_journal.block());
 
-    book.setPages(1);
+    m_book.setPages(1);
     observer->detach();
-    book.setPages(2);
+    m_book.setPages(2);
     observer->setAttached(true);
-    book.setPages(3);
+    m_book.setPages(3);
 
-    EXPECT_EQ(journal.read(), "0->1; (null)->2; 2->3");
+    EXPECT_EQ(m_journal.read(), "0->1; (null)->2; 2->3");
 }
 
-TEST(MTKObserver, RegistersOnceHoweverOftenItIsAttached)
+TEST_F(Observer, RegistersOnceHoweverOftenItIsAttached)
 {
-    ObservedBook book;
-    ObservationJournal journal;
-    const auto observer = MTKObserver::withTarget(book, "pages", nullptr);
+    const auto observer = MTKObserver::withTarget(m_book, "pages", nullptr);
     observer->attach();
     observer->attach();
-    observer->addSettingObservationBlock(journal.block());
+    observer->addSettingObservationBlock(m_journal.block());
 
-    book.setPages(1);
-    EXPECT_EQ(journal.read(), "0->1");
+    m_book.setPages(1);
+    EXPECT_EQ(m_journal.read(), "0->1");
     observer->detach();
     observer->detach();
-    book.setPages(2);
+    m_book.setPages(2);
 
-    EXPECT_EQ(journal.read(), "");
+    EXPECT_EQ(m_journal.read(), "");
 }
 
-TEST(MTKObserver, TellsBlocksThatWereThereBeforeOfTheCurrentValueWhenItAttaches)
+TEST_F(Observer, TellsBlocksThatWereThereBeforeOfTheCurrentValueWhenItAttaches)
 {
-    ObservedBook book;
-    book.setPages(3);
-    ObservationJournal journal;
-    const auto observer = MTKObserver::withTarget(book, "pages", nullptr);
-    observer->addSettingObservationBlock(journal.block());
+    m_book.setPages(3);
+    const auto observer = MTKObserver::withTarget(m_book, "pages", nullptr);
+    observer->addSettingObservationBlock(m_journal.block());
 
     observer->attach();
 
-    EXPECT_EQ(journal.read(), "(null)->3");
+    EXPECT_EQ(m_journal.read(), "(null)->3");
 }
 
-TEST(MTKObserver, IsKeptByTheTargetWhileItIsAttached)
+TEST_F(Observer, IsKeptByTheTargetWhileItIsAttached)
 {
-    ObservedBook book;
     std::weak_ptr<MTKObserver> weak;
     {
-        const auto observer = MTKObserver::withTarget(book, "pages", nullptr);
+        const auto observer = MTKObserver::withTarget(m_book, "pages", nullptr);
         observer->attach();
         weak = observer;
     }
@@ -120,10 +110,10 @@ TEST(MTKObserver, IsKeptByTheTargetWhileItIsAttached)
     EXPECT_TRUE(weak.expired());
 }
 
-class MTKObserverHandler : public ::testing::Test
+class ObserverHandler : public ObservationFixture
 {
 protected:
-    MTKObserverHandler()
+    ObserverHandler()
     {
         m_observer->addSettingObservationBlock(m_journal.block(QStringLiteral("set ")));
         m_observer->addInsertionObservationBlock(m_journal.insertionBlock());
@@ -133,12 +123,10 @@ protected:
 
     void handle(const ObservedChange& change) { m_observer->observeValueForKeyPath("marks", &m_book, change); }
 
-    ObservedBook m_book;
-    ObservationJournal m_journal;
     std::shared_ptr<MTKObserver> m_observer = MTKObserver::withTarget(m_book, "marks", nullptr);
 };
 
-TEST_F(MTKObserverHandler, ChoosesTheBlocksByTheKindOfChange)
+TEST_F(ObserverHandler, ChoosesTheBlocksByTheKindOfChange)
 {
     handle({.kind = static_cast<ChangeKind>(1), .oldValue = 1, .newValue = 2});
     EXPECT_EQ(m_journal.read(), "set 1->2");
@@ -151,7 +139,7 @@ TEST_F(MTKObserverHandler, ChoosesTheBlocksByTheKindOfChange)
     EXPECT_EQ(m_journal.read(), "replace (7)->(7) at { 4 }");
 }
 
-TEST_F(MTKObserverHandler, CallsSettingBlocksOnlyWhenOldAndNewDiffer)
+TEST_F(ObserverHandler, CallsSettingBlocksOnlyWhenOldAndNewDiffer)
 {
     handle({.oldValue = 1, .newValue = 1});
     handle({.oldValue = QStringLiteral("a"), .newValue = QStringLiteral("a")});
@@ -160,7 +148,7 @@ TEST_F(MTKObserverHandler, CallsSettingBlocksOnlyWhenOldAndNewDiffer)
     EXPECT_EQ(m_journal.read(), "");
 }
 
-TEST_F(MTKObserverHandler, IgnoresOtherObjectsAndKeyPathsAndChangesToCome)
+TEST_F(ObserverHandler, IgnoresOtherObjectsAndKeyPathsAndChangesToCome)
 {
     ObservedBook other;
 
@@ -172,7 +160,7 @@ TEST_F(MTKObserverHandler, IgnoresOtherObjectsAndKeyPathsAndChangesToCome)
     EXPECT_EQ(m_journal.read(), "");
 }
 
-TEST_F(MTKObserverHandler, TurnsNullObjectsIntoNil)
+TEST_F(ObserverHandler, TurnsNullObjectsIntoNil)
 {
     handle({.oldValue = nullObject(), .newValue = 2});
     handle({.oldValue = 2, .newValue = nullObject()});
@@ -180,7 +168,7 @@ TEST_F(MTKObserverHandler, TurnsNullObjectsIntoNil)
     EXPECT_EQ(m_journal.read(), "set (null)->2; set 2->(null)");
 }
 
-TEST_F(MTKObserverHandler, IgnoresEmptyBlocks)
+TEST_F(ObserverHandler, IgnoresEmptyBlocks)
 {
     m_observer->addSettingObservationBlock(nullptr);
     m_observer->addInsertionObservationBlock(nullptr);
@@ -196,7 +184,7 @@ TEST_F(MTKObserverHandler, IgnoresEmptyBlocks)
     EXPECT_EQ(std::next(m_observer->afterReplacementBlocks().begin()), m_observer->afterReplacementBlocks().end());
 }
 
-TEST_F(MTKObserverHandler, RunsEachListDirectly)
+TEST_F(ObserverHandler, RunsEachListDirectly)
 {
     m_observer->executeAfterSettingBlocks(1, 2);
     m_observer->executeAfterSettingBlocks(2, 2);

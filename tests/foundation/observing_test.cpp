@@ -4,8 +4,7 @@
 #include "diagnostics/exception.h"
 #include "foundation/observation_hub.h"
 #include "foundation/selector.h"
-#include "tests/foundation/observation_journal.h"
-#include "tests/foundation/observed_book.h"
+#include "tests/foundation/observation_fixture.h"
 
 #include <gtest/gtest.h>
 
@@ -14,359 +13,305 @@
 namespace havrel {
 namespace {
 
-constexpr auto kLater = ObservationOptions::NoInitialCall;
+using Observing = ObservationFixture;
+using ObservingRelationships = ObservationFixture;
+using ObservingMaps = ObservationFixture;
 
-TEST(Observing, CallsTheBlockAtOnceWithTheCurrentValueAsOldAndNew)
+TEST_F(Observing, CallsTheBlockAtOnceWithTheCurrentValueAsOldAndNew)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    book.setPages(3);
+    m_book.setPages(3);
 
-    observeProperty(book, "pages", journal.block());
+    observeProperty(m_book, "pages", m_journal.block());
 
-    EXPECT_EQ(journal.read(), "3->3");
+    EXPECT_EQ(m_journal.read(), "3->3");
 }
 
-TEST(Observing, LeavesTheFirstCallOutWhenToldTo)
+TEST_F(Observing, LeavesTheFirstCallOutWhenToldTo)
 {
-    ObservationJournal journal;
-    ObservedBook book;
+    observeProperty(m_book, "pages", kLater, m_journal.block());
+    EXPECT_EQ(m_journal.read(), "");
+    m_book.setPages(4);
 
-    observeProperty(book, "pages", kLater, journal.block());
-    EXPECT_EQ(journal.read(), "");
-    book.setPages(4);
-
-    EXPECT_EQ(journal.read(), "0->4");
+    EXPECT_EQ(m_journal.read(), "0->4");
 }
 
-TEST(Observing, TellsABlockItsOwnerAndTheObject)
+TEST_F(Observing, TellsABlockItsOwnerAndTheObject)
 {
-    ObservedBook owner;
-    ObservedBook book;
     std::vector<std::pair<QObject*, QObject*>> told;
 
-    observeObject({owner, book}, "pages", [&told](QObject* to, QObject* of, const QVariant&, const QVariant&) {
+    observeObject({m_owner, m_book}, "pages", [&told](QObject* to, QObject* of, const QVariant&, const QVariant&) {
         told.emplace_back(to, of);
     });
-    book.setPages(1);
+    m_book.setPages(1);
 
-    EXPECT_EQ(told, (std::vector<std::pair<QObject*, QObject*>>{{&owner, &book}, {&owner, &book}}));
+    EXPECT_EQ(told, (std::vector<std::pair<QObject*, QObject*>>{{&m_owner, &m_book}, {&m_owner, &m_book}}));
 }
 
-TEST(Observing, IsSilentWhenAnEqualValueIsSet)
+TEST_F(Observing, IsSilentWhenAnEqualValueIsSet)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    book.setPages(4);
-    book.setNote(1);
-    observeProperties(book, {"pages", "note"}, kLater, journal.block());
+    m_book.setPages(4);
+    m_book.setNote(1);
+    observeProperties(m_book, {"pages", "note"}, kLater, m_journal.block());
 
-    book.setPages(4);
-    book.setNote(1.0);
+    m_book.setPages(4);
+    m_book.setNote(1.0);
 
-    EXPECT_EQ(journal.read(), "");
+    EXPECT_EQ(m_journal.read(), "");
 }
 
-TEST(Observing, TellsAnAbsentTextFromAnEmptyOne)
+TEST_F(Observing, TellsAnAbsentTextFromAnEmptyOne)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    observeProperty(book, "title", kLater, journal.block());
+    observeProperty(m_book, "title", kLater, m_journal.block());
 
-    book.setTitle(QStringLiteral(""));
-    book.setTitle(QString());
+    m_book.setTitle(QStringLiteral(""));
+    m_book.setTitle(QString());
 
-    EXPECT_EQ(journal.read(), "(null)->; ->(null)");
+    EXPECT_EQ(m_journal.read(), "(null)->; ->(null)");
 }
 
-TEST(Observing, TurnsTheNullObjectIntoNil)
+TEST_F(Observing, TurnsTheNullObjectIntoNil)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    observeProperty(book, "note", journal.block());
+    observeProperty(m_book, "note", m_journal.block());
 
-    book.setNote(nullObject());
-    book.setNote(1);
-    book.setNote(nullObject());
+    m_book.setNote(nullObject());
+    m_book.setNote(1);
+    m_book.setNote(nullObject());
 
-    EXPECT_EQ(journal.read(), "(null)->(null); (null)->1; 1->(null)");
+    EXPECT_EQ(m_journal.read(), "(null)->(null); (null)->1; 1->(null)");
 }
 
-TEST(Observing, WatchesEachKeyPathOfAListWithAnObserverOfItsOwn)
+TEST_F(Observing, WatchesEachKeyPathOfAListWithAnObserverOfItsOwn)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    observeProperties(book, {"title", "pages"}, journal.block());
-    EXPECT_EQ(journal.read(), "(null)->(null); 0->0");
+    observeProperties(m_book, {"title", "pages"}, m_journal.block());
+    EXPECT_EQ(m_journal.read(), "(null)->(null); 0->0");
 
-    book.setTitle(QStringLiteral("Tides"));
-    book.setPages(7);
-    book.setSubtitle(QStringLiteral("unheard"));
+    m_book.setTitle(QStringLiteral("Tides"));
+    m_book.setPages(7);
+    m_book.setSubtitle(QStringLiteral("unheard"));
 
-    EXPECT_EQ(journal.read(), "(null)->Tides; 0->7");
-    EXPECT_NE(mtk_observerForKeyPath(book, "title", book), mtk_observerForKeyPath(book, "pages", book));
+    EXPECT_EQ(m_journal.read(), "(null)->Tides; 0->7");
+    EXPECT_NE(mtk_observerForKeyPath(m_book, "title", m_book), mtk_observerForKeyPath(m_book, "pages", m_book));
 }
 
-TEST(Observing, WatchesSeveralKeyPathsOfAnotherObject)
+TEST_F(Observing, WatchesSeveralKeyPathsOfAnotherObject)
 {
-    ObservationJournal journal;
-    ObservedBook owner;
-    ObservedBook book;
-    observeObject({owner, book}, {"title", "pages"}, journal.block());
-    EXPECT_EQ(journal.read(), "(null)->(null); 0->0");
-    observeObject({owner, book}, {"subtitle", "note"}, kLater, journal.block());
+    observeObject({m_owner, m_book}, {"title", "pages"}, m_journal.block());
+    EXPECT_EQ(m_journal.read(), "(null)->(null); 0->0");
+    observeObject({m_owner, m_book}, {"subtitle", "note"}, kLater, m_journal.block());
 
-    book.setPages(7);
-    book.setNote(1);
-    owner.setPages(8);
+    m_book.setPages(7);
+    m_book.setNote(1);
+    m_owner.setPages(8);
 
-    EXPECT_EQ(journal.read(), "0->7; (null)->1");
+    EXPECT_EQ(m_journal.read(), "0->7; (null)->1");
 }
 
-TEST(Observing, SharesOneObserverAmongTheBlocksOfAnOwnerAndKeepsTheirOrder)
+TEST_F(Observing, SharesOneObserverAmongTheBlocksOfAnOwnerAndKeepsTheirOrder)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    observeProperty(book, "pages", kLater, journal.block(QStringLiteral("first ")));
-    const auto observer = mtk_observerForKeyPath(book, "pages", book);
-    observeProperty(book, "pages", kLater, journal.block(QStringLiteral("second ")));
+    observeProperty(m_book, "pages", kLater, m_journal.block(QStringLiteral("first ")));
+    const auto observer = mtk_observerForKeyPath(m_book, "pages", m_book);
+    observeProperty(m_book, "pages", kLater, m_journal.block(QStringLiteral("second ")));
 
-    book.setPages(1);
+    m_book.setPages(1);
 
-    EXPECT_EQ(mtk_observerForKeyPath(book, "pages", book), observer);
-    EXPECT_EQ(journal.read(), "first 0->1; second 0->1");
+    EXPECT_EQ(mtk_observerForKeyPath(m_book, "pages", m_book), observer);
+    EXPECT_EQ(m_journal.read(), "first 0->1; second 0->1");
 }
 
-TEST(Observing, KeepsTheObserversOfTwoOwnersApart)
+TEST_F(Observing, KeepsTheObserversOfTwoOwnersApart)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    ObservedBook owner;
     ObservedBook other;
-    observeObject({owner, book}, "pages", kLater, journal.block(QStringLiteral("owner ")));
-    observeObject({other, book}, "pages", kLater, journal.block(QStringLiteral("other ")));
+    observeObject({m_owner, m_book}, "pages", kLater, m_journal.block(QStringLiteral("owner ")));
+    observeObject({other, m_book}, "pages", kLater, m_journal.block(QStringLiteral("other ")));
 
-    removeAllObservationsOfObject(owner, book);
-    book.setPages(1);
+    removeAllObservationsOfObject(m_owner, m_book);
+    m_book.setPages(1);
 
-    EXPECT_EQ(journal.read(), "other 0->1");
+    EXPECT_EQ(m_journal.read(), "other 0->1");
 }
 
-TEST(Observing, EndsWhenTheOwnerDiesBeforeTheTarget)
+TEST_F(Observing, EndsWhenTheOwnerDiesBeforeTheTarget)
 {
-    ObservationJournal journal;
-    ObservedBook book;
     {
         ObservedBook owner;
-        observeObject({owner, book}, "pages", kLater, journal.block());
-        book.setPages(1);
+        observeObject({owner, m_book}, "pages", kLater, m_journal.block());
+        m_book.setPages(1);
     }
-    EXPECT_EQ(journal.read(), "0->1");
+    EXPECT_EQ(m_journal.read(), "0->1");
 
-    book.setPages(2);
+    m_book.setPages(2);
 
-    EXPECT_EQ(journal.read(), "");
-    EXPECT_FALSE(ObservationHub::of(book).isObserved("pages"));
+    EXPECT_EQ(m_journal.read(), "");
+    EXPECT_FALSE(ObservationHub::of(m_book).isObserved("pages"));
 }
 
-TEST(Observing, EndsWhenAnOwnerOfAForeignClassDies)
+TEST_F(Observing, EndsWhenAnOwnerOfAForeignClassDies)
 {
-    ObservationJournal journal;
-    ObservedBook book;
     {
         QObject owner;
-        observeObject({owner, book}, "pages", kLater, journal.block());
+        observeObject({owner, m_book}, "pages", kLater, m_journal.block());
     }
 
-    book.setPages(2);
+    m_book.setPages(2);
 
-    EXPECT_EQ(journal.read(), "");
+    EXPECT_EQ(m_journal.read(), "");
 }
 
-TEST(Observing, LetsTheTargetGoBeforeTheOwner)
+TEST_F(Observing, LetsTheTargetGoBeforeTheOwner)
 {
-    ObservationJournal journal;
-    ObservedBook owner;
     {
         ObservedBook book;
-        observeObject({owner, book}, "pages", journal.block());
+        observeObject({m_owner, book}, "pages", m_journal.block());
     }
 
-    EXPECT_TRUE(ObservationHub::of(owner).ownedObservers().empty());
-    removeAllObservations(owner);
+    EXPECT_TRUE(ObservationHub::of(m_owner).ownedObservers().empty());
+    removeAllObservations(m_owner);
 }
 
-TEST(Observing, EndsAllThatAnOwnerHas)
+TEST_F(Observing, EndsAllThatAnOwnerHas)
 {
-    ObservationJournal journal;
-    ObservedBook owner;
-    ObservedBook book;
-    observeObject({owner, book}, {"pages", "title"}, kLater, journal.block());
-    observeProperty(owner, "pages", kLater, journal.block());
+    observeObject({m_owner, m_book}, {"pages", "title"}, kLater, m_journal.block());
+    observeProperty(m_owner, "pages", kLater, m_journal.block());
 
-    removeAllObservations(owner);
-    book.setPages(1);
-    owner.setPages(1);
+    removeAllObservations(m_owner);
+    m_book.setPages(1);
+    m_owner.setPages(1);
 
-    EXPECT_EQ(journal.read(), "");
+    EXPECT_EQ(m_journal.read(), "");
 }
 
-TEST(Observing, EndsTheObservationOfOneKeyPathOnly)
+TEST_F(Observing, EndsTheObservationOfOneKeyPathOnly)
 {
-    ObservationJournal journal;
-    ObservedBook owner;
-    ObservedBook book;
-    observeObject({owner, book}, {"pages", "title"}, kLater, journal.block());
+    observeObject({m_owner, m_book}, {"pages", "title"}, kLater, m_journal.block());
 
-    removeObservationsOfObject(owner, book, "pages");
-    removeObservationsOfObject(owner, book, "note");
-    book.setPages(1);
-    book.setTitle(QStringLiteral("Tides"));
+    removeObservationsOfObject(m_owner, m_book, "pages");
+    removeObservationsOfObject(m_owner, m_book, "note");
+    m_book.setPages(1);
+    m_book.setTitle(QStringLiteral("Tides"));
 
-    EXPECT_EQ(journal.read(), "(null)->Tides");
+    EXPECT_EQ(m_journal.read(), "(null)->Tides");
 }
 
-TEST(Observing, CanEndFromTheObservedSideForOneOwner)
+TEST_F(Observing, CanEndFromTheObservedSideForOneOwner)
 {
-    ObservationJournal journal;
-    ObservedBook owner;
-    ObservedBook book;
-    observeObject({owner, book}, {"pages", "title", "note"}, kLater, journal.block());
+    observeObject({m_owner, m_book}, {"pages", "title", "note"}, kLater, m_journal.block());
 
-    mtk_removeObservationsForOwner(book, owner, "pages");
-    book.setPages(1);
-    EXPECT_EQ(journal.read(), "");
-    mtk_removeAllObservationsForOwner(book, owner);
-    book.setTitle(QStringLiteral("Tides"));
+    mtk_removeObservationsForOwner(m_book, m_owner, "pages");
+    m_book.setPages(1);
+    EXPECT_EQ(m_journal.read(), "");
+    mtk_removeAllObservationsForOwner(m_book, m_owner);
+    m_book.setTitle(QStringLiteral("Tides"));
 
-    EXPECT_EQ(journal.read(), "");
+    EXPECT_EQ(m_journal.read(), "");
 }
 
-TEST(Observing, CanEndEveryObservationOfAnObject)
+TEST_F(Observing, CanEndEveryObservationOfAnObject)
 {
-    ObservationJournal journal;
-    ObservedBook owner;
-    ObservedBook book;
-    observeObject({owner, book}, "pages", kLater, journal.block());
-    observeProperty(book, "pages", kLater, journal.block());
+    observeObject({m_owner, m_book}, "pages", kLater, m_journal.block());
+    observeProperty(m_book, "pages", kLater, m_journal.block());
 
-    ObservationHub::of(book).internalRemoveAllObservations();
-    book.setPages(1);
+    ObservationHub::of(m_book).internalRemoveAllObservations();
+    m_book.setPages(1);
 
-    EXPECT_EQ(journal.read(), "");
+    EXPECT_EQ(m_journal.read(), "");
 }
 
-TEST(Observing, StartsAgainAfterItWasEnded)
+TEST_F(Observing, StartsAgainAfterItWasEnded)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    observeProperty(book, "pages", kLater, journal.block(QStringLiteral("old ")));
-    removeAllObservations(book);
-    observeProperty(book, "pages", kLater, journal.block(QStringLiteral("new ")));
+    observeProperty(m_book, "pages", kLater, m_journal.block(QStringLiteral("old ")));
+    removeAllObservations(m_book);
+    observeProperty(m_book, "pages", kLater, m_journal.block(QStringLiteral("new ")));
 
-    book.setPages(1);
+    m_book.setPages(1);
 
-    EXPECT_EQ(journal.read(), "new 0->1");
+    EXPECT_EQ(m_journal.read(), "new 0->1");
 }
 
-TEST(Observing, DeliversEveryChangeOfABlockThatSetsAgainTheInnerFirst)
+TEST_F(Observing, DeliversEveryChangeOfABlockThatSetsAgainTheInnerFirst)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    observeProperty(book, "pages", kLater, [](QObject* owner, QObject*, const QVariant&, const QVariant& now) {
+    observeProperty(m_book, "pages", kLater, [](QObject* owner, QObject*, const QVariant&, const QVariant& now) {
         if (now == 1)
             qobject_cast<ObservedBook*>(owner)->setPages(2);
     });
-    observeProperty(book, "pages", kLater, journal.block());
+    observeProperty(m_book, "pages", kLater, m_journal.block());
 
-    book.setPages(1);
+    m_book.setPages(1);
 
-    EXPECT_EQ(journal.read(), "1->2; 0->1");
-    EXPECT_EQ(book.pages(), 2);
+    EXPECT_EQ(m_journal.read(), "1->2; 0->1");
+    EXPECT_EQ(m_book.pages(), 2);
 }
 
-TEST(Observing, DoesNotRunABlockThatWasAddedDuringTheChange)
+TEST_F(Observing, DoesNotRunABlockThatWasAddedDuringTheChange)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    observeProperty(book, "pages", kLater, [&](QObject*, QObject*, const QVariant&, const QVariant&) {
-        observeProperty(book, "pages", kLater, journal.block());
+    observeProperty(m_book, "pages", kLater, [&](QObject*, QObject*, const QVariant&, const QVariant&) {
+        observeProperty(m_book, "pages", kLater, m_journal.block());
     });
 
-    book.setPages(1);
-    EXPECT_EQ(journal.read(), "");
-    book.setPages(2);
+    m_book.setPages(1);
+    EXPECT_EQ(m_journal.read(), "");
+    m_book.setPages(2);
 
-    EXPECT_EQ(journal.read(), "1->2");
+    EXPECT_EQ(m_journal.read(), "1->2");
 }
 
-TEST(Observing, RunsTheBlocksOfTheChangeOnceMoreWhenOneOfThemRemovesTheObservation)
+TEST_F(Observing, RunsTheBlocksOfTheChangeOnceMoreWhenOneOfThemRemovesTheObservation)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    observeProperty(book, "pages", kLater, [&book](QObject*, QObject*, const QVariant&, const QVariant&) {
-        removeAllObservations(book);
+    observeProperty(m_book, "pages", kLater, [this](QObject*, QObject*, const QVariant&, const QVariant&) {
+        removeAllObservations(m_book);
     });
-    observeProperty(book, "pages", kLater, journal.block());
+    observeProperty(m_book, "pages", kLater, m_journal.block());
 
-    book.setPages(1);
-    EXPECT_EQ(journal.read(), "0->1");
-    book.setPages(2);
+    m_book.setPages(1);
+    EXPECT_EQ(m_journal.read(), "0->1");
+    m_book.setPages(2);
 
-    EXPECT_EQ(journal.read(), "");
+    EXPECT_EQ(m_journal.read(), "");
 }
 
-TEST(Observing, PassesAnObserverOverThatWasRemovedDuringTheChange)
+TEST_F(Observing, PassesAnObserverOverThatWasRemovedDuringTheChange)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    ObservedBook owner;
-    observeProperty(book, "pages", kLater, [&](QObject*, QObject*, const QVariant&, const QVariant&) {
-        removeAllObservations(owner);
+    observeProperty(m_book, "pages", kLater, [&](QObject*, QObject*, const QVariant&, const QVariant&) {
+        removeAllObservations(m_owner);
     });
-    observeObject({owner, book}, "pages", kLater, journal.block());
+    observeObject({m_owner, m_book}, "pages", kLater, m_journal.block());
 
-    book.setPages(1);
+    m_book.setPages(1);
 
-    EXPECT_EQ(journal.read(), "");
+    EXPECT_EQ(m_journal.read(), "");
 }
 
-TEST(Observing, RunsNoFurtherBlockOnceOneHasDeletedTheTarget)
+TEST_F(Observing, RunsNoFurtherBlockOnceOneHasDeletedTheTarget)
 {
-    ObservationJournal journal;
     auto* book = std::make_unique<ObservedBook>().release();
     ObservedBook other;
     observeProperty(
         *book, "pages", kLater, [](QObject* owner, QObject*, const QVariant&, const QVariant&) { delete owner; });
-    observeProperty(*book, "pages", kLater, journal.block());
-    observeObject({other, *book}, "pages", kLater, journal.block());
+    observeProperty(*book, "pages", kLater, m_journal.block());
+    observeObject({other, *book}, "pages", kLater, m_journal.block());
 
     book->setPages(1);
 
-    EXPECT_EQ(journal.read(), "");
+    EXPECT_EQ(m_journal.read(), "");
 }
 
-TEST(Observing, RunsNoFurtherBlockOfAnOwnerThatOneHasDeleted)
+TEST_F(Observing, RunsNoFurtherBlockOfAnOwnerThatOneHasDeleted)
 {
-    ObservationJournal journal;
-    ObservedBook book;
     ObservedBook other;
     auto owner = std::make_unique<ObservedBook>();
-    observeObject({*owner, book}, "pages", kLater, [&owner](QObject*, QObject*, const QVariant&, const QVariant&) {
+    observeObject({*owner, m_book}, "pages", kLater, [&owner](QObject*, QObject*, const QVariant&, const QVariant&) {
         owner.reset();
     });
-    observeObject({*owner, book}, "pages", kLater, journal.block(QStringLiteral("owner ")));
-    observeObject({other, book}, "pages", kLater, journal.block(QStringLiteral("other ")));
+    observeObject({*owner, m_book}, "pages", kLater, m_journal.block(QStringLiteral("owner ")));
+    observeObject({other, m_book}, "pages", kLater, m_journal.block(QStringLiteral("other ")));
 
-    book.setPages(1);
-    book.setPages(2);
+    m_book.setPages(1);
+    m_book.setPages(2);
 
-    EXPECT_EQ(journal.read(), "other 0->1; other 1->2");
+    EXPECT_EQ(m_journal.read(), "other 0->1; other 1->2");
 }
 
-TEST(Observing, SurvivesANestedChangeThatDeletesTheTarget)
+TEST_F(Observing, SurvivesANestedChangeThatDeletesTheTarget)
 {
-    ObservationJournal journal;
     auto* book = std::make_unique<ObservedBook>().release();
     observeProperty(*book, "pages", kLater, [book](QObject*, QObject*, const QVariant&, const QVariant& now) {
         if (now == 2)
@@ -374,14 +319,14 @@ TEST(Observing, SurvivesANestedChangeThatDeletesTheTarget)
         else
             book->setPages(2);
     });
-    observeProperty(*book, "pages", kLater, journal.block());
+    observeProperty(*book, "pages", kLater, m_journal.block());
 
     book->setPages(1);
 
-    EXPECT_EQ(journal.read(), "");
+    EXPECT_EQ(m_journal.read(), "");
 }
 
-TEST(Observing, SurvivesABlockThatDeletesTheTargetAtItsFirstCall)
+TEST_F(Observing, SurvivesABlockThatDeletesTheTargetAtItsFirstCall)
 {
     auto* book = std::make_unique<ObservedBook>().release();
     int calls = 0;
@@ -394,13 +339,12 @@ TEST(Observing, SurvivesABlockThatDeletesTheTargetAtItsFirstCall)
     EXPECT_EQ(calls, 1);
 }
 
-TEST(Observing, LetsAnOwnerGoThatOnlyItsOwnBlocksHold)
+TEST_F(Observing, LetsAnOwnerGoThatOnlyItsOwnBlocksHold)
 {
     auto owner = std::make_shared<ObservedBook>();
     const std::weak_ptr<ObservedBook> gone = owner;
-    ObservedBook book;
     observeProperty(*owner, "pages", [owner](QObject*, QObject*, const QVariant&, const QVariant&) {});
-    observeObject({*owner, book}, "pages", [owner](QObject*, QObject*, const QVariant&, const QVariant&) {});
+    observeObject({*owner, m_book}, "pages", [owner](QObject*, QObject*, const QVariant&, const QVariant&) {});
     ObservedBook& named = *std::exchange(owner, nullptr);
     ASSERT_FALSE(gone.expired());
 
@@ -409,210 +353,188 @@ TEST(Observing, LetsAnOwnerGoThatOnlyItsOwnBlocksHold)
     EXPECT_TRUE(gone.expired());
 }
 
-TEST(Observing, HandsOnWhatABlockThrowsAndStaysUsable)
+TEST_F(Observing, HandsOnWhatABlockThrowsAndStaysUsable)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    observeProperty(book, "pages", kLater, [](QObject*, QObject*, const QVariant&, const QVariant& now) {
+    observeProperty(m_book, "pages", kLater, [](QObject*, QObject*, const QVariant&, const QVariant& now) {
         if (now == 1)
             throw std::runtime_error("refused");
     });
-    observeProperty(book, "pages", kLater, journal.block());
+    observeProperty(m_book, "pages", kLater, m_journal.block());
 
-    EXPECT_THROW(book.setPages(1), std::runtime_error);
-    EXPECT_EQ(journal.read(), "");
-    book.setPages(2);
+    EXPECT_THROW(m_book.setPages(1), std::runtime_error);
+    EXPECT_EQ(m_journal.read(), "");
+    m_book.setPages(2);
 
-    EXPECT_EQ(journal.read(), "1->2");
+    EXPECT_EQ(m_journal.read(), "1->2");
 }
 
-TEST(Observing, RefusesAPropertyThatTheTargetDoesNotHave)
+TEST_F(Observing, RefusesAPropertyThatTheTargetDoesNotHave)
 {
-    ObservedBook book;
     try {
-        observeProperty(book, "colour", [](auto&&...) {});
+        observeProperty(m_book, "colour", [](auto&&...) {});
         FAIL() << "observed an unknown property";
     } catch (const HVException& exception) {
         EXPECT_EQ(exception.name(), exception_name::kBug);
         EXPECT_EQ(exception.reason(), QStringLiteral("unknown property"));
         EXPECT_EQ(exception.detail(QStringLiteral("Property")), QStringLiteral("colour"));
     }
-    EXPECT_TRUE(ObservationHub::of(book).observers().empty());
+    EXPECT_TRUE(ObservationHub::of(m_book).observers().empty());
 }
 
-TEST(Observing, WorksOnAnyThreadWithoutAnApplicationObject)
+TEST_F(Observing, WorksOnAnyThreadWithoutAnApplicationObject)
 {
-    ObservationJournal journal;
-    std::thread([&journal] {
+    std::thread([this] {
         ObservedBook book;
         ObservedBook owner;
-        observeProperty(book, "pages", journal.block());
-        observeObject({owner, book}, "title", kLater, journal.block());
+        observeProperty(book, "pages", m_journal.block());
+        observeObject({owner, book}, "title", kLater, m_journal.block());
         book.setPages(1);
         book.setTitle(QStringLiteral("Tides"));
     }).join();
 
-    EXPECT_EQ(journal.read(), "0->0; 0->1; (null)->Tides");
+    EXPECT_EQ(m_journal.read(), "0->0; 0->1; (null)->Tides");
 }
 
-TEST(ObservingRelationships, TellsEachKindOfChangeWithItsIndexes)
+TEST_F(ObservingRelationships, TellsEachKindOfChangeWithItsIndexes)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    observeRelationship(book,
+    observeRelationship(m_book,
                         "marks",
                         kLater,
-                        {.change = journal.block(),
-                         .insertion = journal.insertionBlock(),
-                         .removal = journal.removalBlock(),
-                         .replacement = journal.replacementBlock()});
+                        {.change = m_journal.block(),
+                         .insertion = m_journal.insertionBlock(),
+                         .removal = m_journal.removalBlock(),
+                         .replacement = m_journal.replacementBlock()});
 
-    book.setMarks({1, 2, 3});
-    EXPECT_EQ(journal.read(), "()->(1, 2, 3)");
-    book.insertMarks({10, 20}, {0, 3});
-    EXPECT_EQ(book.marks(), (QList<int>{10, 1, 2, 20, 3}));
-    EXPECT_EQ(journal.read(), "insert (10, 20) at { 0, 3 }");
-    book.removeMarks({1, 2});
-    EXPECT_EQ(book.marks(), (QList<int>{10, 20, 3}));
-    EXPECT_EQ(journal.read(), "remove (1, 2) at { 1-2 }");
-    book.replaceMarks({0, 2}, {5, 3});
-    EXPECT_EQ(book.marks(), (QList<int>{5, 20, 3}));
-    EXPECT_EQ(journal.read(), "replace (10, 3)->(5, 3) at { 0, 2 }");
-    book.setMarks({5, 20, 3});
-    EXPECT_EQ(journal.read(), "");
+    m_book.setMarks({1, 2, 3});
+    EXPECT_EQ(m_journal.read(), "()->(1, 2, 3)");
+    m_book.insertMarks({10, 20}, {0, 3});
+    EXPECT_EQ(m_book.marks(), (QList<int>{10, 1, 2, 20, 3}));
+    EXPECT_EQ(m_journal.read(), "insert (10, 20) at { 0, 3 }");
+    m_book.removeMarks({1, 2});
+    EXPECT_EQ(m_book.marks(), (QList<int>{10, 20, 3}));
+    EXPECT_EQ(m_journal.read(), "remove (1, 2) at { 1-2 }");
+    m_book.replaceMarks({0, 2}, {5, 3});
+    EXPECT_EQ(m_book.marks(), (QList<int>{5, 20, 3}));
+    EXPECT_EQ(m_journal.read(), "replace (10, 3)->(5, 3) at { 0, 2 }");
+    m_book.setMarks({5, 20, 3});
+    EXPECT_EQ(m_journal.read(), "");
 }
 
-TEST(ObservingRelationships, CallsTheChangeBlockAtOnceUnlessToldNotTo)
+TEST_F(ObservingRelationships, CallsTheChangeBlockAtOnceUnlessToldNotTo)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    book.setMarks({1});
+    m_book.setMarks({1});
 
-    observeRelationship(book, "marks", {.change = journal.block(), .insertion = journal.insertionBlock()});
+    observeRelationship(m_book, "marks", {.change = m_journal.block(), .insertion = m_journal.insertionBlock()});
 
-    EXPECT_EQ(journal.read(), "(1)->(1)");
+    EXPECT_EQ(m_journal.read(), "(1)->(1)");
 }
 
-TEST(ObservingRelationships, FallsBackOnTheChangeBlockWithNilAndTheWholeValue)
+TEST_F(ObservingRelationships, FallsBackOnTheChangeBlockWithNilAndTheWholeValue)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    book.setMarks({1, 2});
-    observeRelationship(book, "marks", kLater, {.change = journal.block(), .removal = journal.removalBlock()});
+    m_book.setMarks({1, 2});
+    observeRelationship(m_book, "marks", kLater, {.change = m_journal.block(), .removal = m_journal.removalBlock()});
 
-    book.insertMarks({3}, {2});
-    EXPECT_EQ(journal.read(), "(null)->(1, 2, 3)");
-    book.removeMarks({0});
-    EXPECT_EQ(journal.read(), "remove (1) at { 0 }");
-    book.replaceMarks({0}, {9});
-    EXPECT_EQ(journal.read(), "(null)->(9, 3)");
+    m_book.insertMarks({3}, {2});
+    EXPECT_EQ(m_journal.read(), "(null)->(1, 2, 3)");
+    m_book.removeMarks({0});
+    EXPECT_EQ(m_journal.read(), "remove (1) at { 0 }");
+    m_book.replaceMarks({0}, {9});
+    EXPECT_EQ(m_journal.read(), "(null)->(9, 3)");
 }
 
-TEST(ObservingRelationships, BringsEveryKindOfChangeToASingleBlock)
+TEST_F(ObservingRelationships, BringsEveryKindOfChangeToASingleBlock)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    observeRelationship(book, "marks", journal.block());
-    EXPECT_EQ(journal.read(), "()->()");
+    observeRelationship(m_book, "marks", m_journal.block());
+    EXPECT_EQ(m_journal.read(), "()->()");
 
-    book.setMarks({1});
-    book.insertMarks({2}, {1});
-    book.replaceMarks({0}, {1}); // equal elements are replaced all the same
-    book.removeMarks({0, 1});
+    m_book.setMarks({1});
+    m_book.insertMarks({2}, {1});
+    m_book.replaceMarks({0}, {1}); // equal elements are replaced all the same
+    m_book.removeMarks({0, 1});
 
-    EXPECT_EQ(journal.read(), "()->(1); (null)->(1, 2); (null)->(1, 2); (null)->()");
+    EXPECT_EQ(m_journal.read(), "()->(1); (null)->(1, 2); (null)->(1, 2); (null)->()");
 }
 
-TEST(ObservingRelationships, KeepsEditsFromThoseWhoObserveTheProperty)
+TEST_F(ObservingRelationships, KeepsEditsFromThoseWhoObserveTheProperty)
 {
-    ObservationJournal journal;
-    ObservedBook book;
-    observeProperty(book, "marks", kLater, journal.block());
+    observeProperty(m_book, "marks", kLater, m_journal.block());
 
-    book.insertMarks({1}, {0});
-    book.removeMarks({0});
+    m_book.insertMarks({1}, {0});
+    m_book.removeMarks({0});
 
-    EXPECT_EQ(journal.read(), "");
+    EXPECT_EQ(m_journal.read(), "");
 }
 
-TEST(ObservingMaps, KeepsTheDestinationEqualToTheTransformedSource)
+TEST_F(ObservingMaps, KeepsTheDestinationEqualToTheTransformedSource)
 {
-    ObservedBook book;
-    book.setPages(2);
-    map(book, "pages", "title", [](const QVariant& pages) { return QStringLiteral("%1 pp.").arg(pages.toInt()); });
-    EXPECT_EQ(book.title(), QStringLiteral("2 pp."));
+    m_book.setPages(2);
+    map(m_book, "pages", "title", [](const QVariant& pages) { return QStringLiteral("%1 pp.").arg(pages.toInt()); });
+    EXPECT_EQ(m_book.title(), QStringLiteral("2 pp."));
 
-    book.setPages(3);
+    m_book.setPages(3);
 
-    EXPECT_EQ(book.title(), QStringLiteral("3 pp."));
+    EXPECT_EQ(m_book.title(), QStringLiteral("3 pp."));
 }
 
-TEST(ObservingMaps, CopiesTheSourceWithoutATransform)
+TEST_F(ObservingMaps, CopiesTheSourceWithoutATransform)
 {
-    ObservedBook book;
-    book.setTitle(QStringLiteral("Tides"));
-    map(book, "title", "subtitle", nullptr);
-    EXPECT_EQ(book.subtitle(), QStringLiteral("Tides"));
+    m_book.setTitle(QStringLiteral("Tides"));
+    map(m_book, "title", "subtitle", nullptr);
+    EXPECT_EQ(m_book.subtitle(), QStringLiteral("Tides"));
 
-    book.setTitle({});
+    m_book.setTitle({});
 
-    EXPECT_TRUE(book.subtitle().isNull());
+    EXPECT_TRUE(m_book.subtitle().isNull());
 }
 
-TEST(ObservingMaps, PutsTheSubstituteInThePlaceOfNil)
+TEST_F(ObservingMaps, PutsTheSubstituteInThePlaceOfNil)
 {
-    ObservedBook book;
-    mapNull(book, "title", "subtitle", QStringLiteral("untitled"));
-    EXPECT_EQ(book.subtitle(), QStringLiteral("untitled"));
+    mapNull(m_book, "title", "subtitle", QStringLiteral("untitled"));
+    EXPECT_EQ(m_book.subtitle(), QStringLiteral("untitled"));
 
-    book.setTitle(QStringLiteral("Tides"));
-    EXPECT_EQ(book.subtitle(), QStringLiteral("Tides"));
-    book.setTitle(QString());
+    m_book.setTitle(QStringLiteral("Tides"));
+    EXPECT_EQ(m_book.subtitle(), QStringLiteral("Tides"));
+    m_book.setTitle(QString());
 
-    EXPECT_EQ(book.subtitle(), QStringLiteral("untitled"));
+    EXPECT_EQ(m_book.subtitle(), QStringLiteral("untitled"));
 }
 
-TEST(ObservingMaps, FollowsEditsOfAToManySource)
+TEST_F(ObservingMaps, FollowsEditsOfAToManySource)
 {
-    ObservedBook book;
-    map(book, "marks", "pages", [](const QVariant& marks) { return marks.toList().size(); });
+    map(m_book, "marks", "pages", [](const QVariant& marks) { return marks.toList().size(); });
 
-    book.insertMarks({4, 5}, {0, 1});
+    m_book.insertMarks({4, 5}, {0, 1});
 
-    EXPECT_EQ(book.pages(), 2);
+    EXPECT_EQ(m_book.pages(), 2);
 }
 
-TEST(ObservingMaps, SettlesWhenTwoPropertiesAreMappedOntoEachOther)
+TEST_F(ObservingMaps, SettlesWhenTwoPropertiesAreMappedOntoEachOther)
 {
-    ObservedBook book;
-    map(book, "title", "subtitle", nullptr);
-    map(book, "subtitle", "title", nullptr);
+    map(m_book, "title", "subtitle", nullptr);
+    map(m_book, "subtitle", "title", nullptr);
 
-    book.setSubtitle(QStringLiteral("Tides"));
+    m_book.setSubtitle(QStringLiteral("Tides"));
 
-    EXPECT_EQ(book.title(), QStringLiteral("Tides"));
+    EXPECT_EQ(m_book.title(), QStringLiteral("Tides"));
 }
 
-TEST(ObservingMaps, LeadsTheDestinationOverObjects)
+TEST_F(ObservingMaps, LeadsTheDestinationOverObjects)
 {
-    ObservedBook book;
     ObservedBook sequel;
-    map(book, "title", "sequel.title", nullptr); // nothing there yet
-    book.setSequel(&sequel);
+    map(m_book, "title", "sequel.title", nullptr); // nothing there yet
+    m_book.setSequel(&sequel);
 
-    book.setTitle(QStringLiteral("Tides"));
+    m_book.setTitle(QStringLiteral("Tides"));
 
     EXPECT_EQ(sequel.title(), QStringLiteral("Tides"));
 }
 
-TEST(ObservingMaps, ObservesNothingWhenTheDestinationCannotBeSet)
+TEST_F(ObservingMaps, ObservesNothingWhenTheDestinationCannotBeSet)
 {
-    ObservedBook book;
+    EXPECT_THROW(map(m_book, "pages", "colour", nullptr), HVException);
+    EXPECT_THROW(map(m_book, "pages", "edition", nullptr), HVException);
 
-    EXPECT_THROW(map(book, "pages", "colour", nullptr), HVException);
-    EXPECT_THROW(map(book, "pages", "edition", nullptr), HVException);
-
-    EXPECT_FALSE(ObservationHub::of(book).isObserved("pages"));
+    EXPECT_FALSE(ObservationHub::of(m_book).isObserved("pages"));
 }
 
 } // namespace
