@@ -15,7 +15,7 @@ BacktraceRegistry::Tag BacktraceRegistry::tagFor(const platform::ReturnAddresses
     const auto isOld = [date](const Written& written) { return date - written.date > kFresh; };
     std::uintptr_t key = std::accumulate(addresses.begin(), addresses.end(), std::uintptr_t{0});
 
-    const std::lock_guard guard(m_lock);
+    const MutexLock guard(m_lock);
     auto known = m_taggedBacktraces.find(key);
     while (known != m_taggedBacktraces.end() && known->second.addresses != addresses)
         known = m_taggedBacktraces.find(++key);

@@ -2,11 +2,11 @@
 #pragma once
 
 #include "diagnostics/log_date.h"
+#include "foundation/thread_annotations.h"
 #include "platform/backtrace.h"
 
 #include <cstdint>
 #include <map>
-#include <mutex>
 
 namespace havrel {
 
@@ -24,7 +24,7 @@ public:
 
     /// The tag of \p addresses: their sum, or the next number that no other backtrace has. Counts as written in full
     /// at \p date when the answer says so; a new one makes those older than six hours forgotten.
-    [[nodiscard]] Tag tagFor(const platform::ReturnAddresses& addresses, LogDate date);
+    [[nodiscard]] Tag tagFor(const platform::ReturnAddresses& addresses, LogDate date) HAVREL_EXCLUDES(m_lock);
 
 private:
     struct Written
@@ -33,8 +33,8 @@ private:
         LogDate date; // when it was last written in full
     };
 
-    std::mutex m_lock;
-    std::map<std::uintptr_t, Written> m_taggedBacktraces; // guarded by m_lock
+    Mutex m_lock;
+    std::map<std::uintptr_t, Written> m_taggedBacktraces HAVREL_GUARDED_BY(m_lock);
 };
 
 } // namespace havrel

@@ -28,7 +28,7 @@ LoggerRegistry& LoggerRegistry::shared()
 
 void LoggerRegistry::add(const QString& className, LoggerFactory factory)
 {
-    const std::lock_guard guard(m_lock);
+    const MutexLock guard(m_lock);
     m_factories.insert(className, std::move(factory));
 }
 
@@ -36,7 +36,7 @@ std::shared_ptr<Logr> LoggerRegistry::make(const QString& className) const
 {
     LoggerFactory factory;
     {
-        const std::lock_guard guard(m_lock);
+        const MutexLock guard(m_lock);
         factory = m_factories.value(className);
     }
     return factory ? factory() : nullptr;

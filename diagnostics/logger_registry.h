@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "foundation/thread_annotations.h"
+
 #include <QHash>
 #include <QString>
 
 #include <functional>
 #include <memory>
-#include <mutex>
 
 namespace havrel {
 
@@ -25,13 +26,13 @@ public:
     [[nodiscard]] static LoggerRegistry& shared();
 
     /// A second class of the same name replaces the first.
-    void add(const QString& className, LoggerFactory factory);
+    void add(const QString& className, LoggerFactory factory) HAVREL_EXCLUDES(m_lock);
     /// A new logger; null when no class of that name is known. Raises what its factory raises.
-    [[nodiscard]] std::shared_ptr<Logr> make(const QString& className) const;
+    [[nodiscard]] std::shared_ptr<Logr> make(const QString& className) const HAVREL_EXCLUDES(m_lock);
 
 private:
-    mutable std::mutex m_lock;
-    QHash<QString, LoggerFactory> m_factories; // guarded by m_lock
+    mutable Mutex m_lock;
+    QHash<QString, LoggerFactory> m_factories HAVREL_GUARDED_BY(m_lock);
 };
 
 } // namespace havrel

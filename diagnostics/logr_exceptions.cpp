@@ -29,7 +29,7 @@ std::optional<Value> take(QVariantMap& facts, const QString& key)
 
 bool Logr::isNewException(const Exception& exception) const
 {
-    const std::lock_guard guard(m_state->lastExceptionLock);
+    const MutexLock guard(m_state->lastExceptionLock);
     return !m_state->lastException || !m_state->lastException->isSameObject(exception);
 }
 
@@ -39,7 +39,7 @@ LogLineIdentPtr Logr::writeException(LogClassification classification,
                                      const Exception& exception)
 {
     {
-        const std::lock_guard guard(m_state->lastExceptionLock);
+        const MutexLock guard(m_state->lastExceptionLock);
         m_state->lastException = exception;
     }
     const auto own = classification == LogClassification::Preferred

@@ -5,8 +5,7 @@
 #include "diagnostics/logr.h"
 #include "diagnostics/rate_limiter.h"
 #include "foundation/dispatch.h"
-
-#include <mutex>
+#include "foundation/thread_annotations.h"
 
 namespace havrel {
 
@@ -19,8 +18,8 @@ struct Logr::State
     [[nodiscard]] std::optional<platform::SymbolLocation> symbolAt(std::uintptr_t address) const;
 
     const Surroundings surroundings;
-    mutable std::mutex lastExceptionLock;
-    std::optional<Exception> lastException; // guarded by lastExceptionLock
+    mutable Mutex lastExceptionLock;
+    std::optional<Exception> lastException HAVREL_GUARDED_BY(lastExceptionLock);
     BacktraceRegistry backtraces;
 
     // On the writer queue only.

@@ -10,13 +10,13 @@ constexpr std::uint64_t kMostExceptions = 60; // under one reason
 
 LogLineIdentPtr PlaceholderLines::line(const QString& key) const
 {
-    const std::lock_guard guard(m_lock);
+    const MutexLock guard(m_lock);
     return m_lines.value(key);
 }
 
 void PlaceholderLines::setLine(const LogLineIdentPtr& line, const QString& key)
 {
-    const std::lock_guard guard(m_lock);
+    const MutexLock guard(m_lock);
     if (line)
         m_lines.insert(key, line);
     else
@@ -34,7 +34,7 @@ LogLineIdentPtr PlaceholderLines::heading(Logr& logger, const LoggedOccurrence& 
 
 LogLineIdentPtr PlaceholderLines::log(Logr& logger, const LoggedOccurrence& occurrence)
 {
-    const std::lock_guard guard(m_logging);
+    const MutexLock guard(m_logging);
     LogLineIdentPtr main = heading(logger, occurrence);
     if (!main || !occurrence.exception)
         return main;

@@ -2,10 +2,9 @@
 #pragma once
 
 #include "diagnostics/logr.h"
+#include "foundation/thread_annotations.h"
 
 #include <QHash>
-
-#include <mutex>
 
 namespace havrel {
 
@@ -16,20 +15,20 @@ class PlaceholderLines
 {
 public:
     /// The line stored under \p key; null when there is none.
-    [[nodiscard]] LogLineIdentPtr line(const QString& key) const;
+    [[nodiscard]] LogLineIdentPtr line(const QString& key) const HAVREL_EXCLUDES(m_lock);
     /// Stores \p line under \p key; null removes the key.
-    void setLine(const LogLineIdentPtr& line, const QString& key);
+    void setLine(const LogLineIdentPtr& line, const QString& key) HAVREL_EXCLUDES(m_lock);
 
     /// The heading of \p occurrence, logged through \p logger unless it is known; and under it, if there is an
     /// exception, its reason as a second heading, under which the exception is logged the first 60 times.
     LogLineIdentPtr log(Logr& logger, const LoggedOccurrence& occurrence);
 
 private:
-    LogLineIdentPtr heading(Logr& logger, const LoggedOccurrence& occurrence);
+    LogLineIdentPtr heading(Logr& logger, const LoggedOccurrence& occurrence) HAVREL_REQUIRES(m_logging);
 
-    mutable std::mutex m_lock;
-    QHash<QString, LogLineIdentPtr> m_lines; // guarded by m_lock
-    std::recursive_mutex m_logging;          // one at a time; a logger may itself come back here
+    mutable Mutex m_lock;
+    QHash<QString, LogLineIdentPtr> m_lines HAVREL_GUARDED_BY(m_lock);
+    RecursiveMutex m_logging; // one at a time; a logger may itself come back here
 };
 
 } // namespace havrel

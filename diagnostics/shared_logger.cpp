@@ -54,7 +54,7 @@ std::shared_ptr<Logr> SharedLogger::get()
 {
     if (auto logger = m_logger.load())
         return logger;
-    const std::lock_guard guard(m_choice);
+    const MutexLock guard(m_choice);
     if (auto logger = m_logger.load())
         return logger;
     if (m_choosing)

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "foundation/thread_annotations.h"
+
 #include <atomic>
 #include <memory>
-#include <mutex>
 
 namespace havrel {
 
@@ -38,7 +39,7 @@ public:
     void close();
 
 private:
-    void choose();
+    void choose() HAVREL_REQUIRES(m_choice);
     [[nodiscard]] std::shared_ptr<Logr> makeFallback() const;
     void replaceByFileLogger(const std::shared_ptr<Logr>& fallback);
     bool replace(const std::shared_ptr<Logr>& present, const std::shared_ptr<Logr>& logger);
@@ -48,8 +49,8 @@ private:
     const LoggerRegistry& m_registry;
     const EffectiveUser m_user;
 
-    std::recursive_mutex m_choice; // held by the thread that chooses
-    bool m_choosing = false;       // guarded by m_choice
+    RecursiveMutex m_choice; // held by the thread that chooses
+    bool m_choosing HAVREL_GUARDED_BY(m_choice) = false;
 
     std::atomic<std::shared_ptr<Logr>> m_logger;
 };

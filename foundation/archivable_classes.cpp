@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/archivable_classes.h"
 
+#include "foundation/thread_annotations.h"
+
 #include <algorithm>
-#include <mutex>
 #include <vector>
 
 namespace havrel {
@@ -26,7 +27,7 @@ public:
 
     void add(const ArchivableClass& archivable)
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         const auto sameName = [&](const Row& row) { return row->name == archivable.name; };
         const auto old = std::find_if(m_rows.begin(), m_rows.end(), sameName);
         const auto row = std::make_shared<const ArchivableClass>(archivable);
@@ -50,12 +51,12 @@ private:
     /// A copy: predicates are code of the classes and run without the lock.
     std::vector<Row> rows() const
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         return m_rows;
     }
 
-    mutable std::mutex m_mutex;
-    std::vector<Row> m_rows;
+    mutable Mutex m_mutex;
+    std::vector<Row> m_rows HAVREL_GUARDED_BY(m_mutex);
 };
 
 Table& table()

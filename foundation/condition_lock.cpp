@@ -16,37 +16,44 @@ constexpr ConditionLock::Interval kEndless = std::chrono::hours(24 * 365);
 
 ConditionLock::Condition ConditionLock::condition() const
 {
-    const std::lock_guard guard(m_guard);
+    const MutexLock guard(m_guard);
     return m_condition;
+}
+
+bool ConditionLock::takeIfFree()
+{
+    return !std::exchange(m_taken, true);
+}
+
+bool ConditionLock::takeIfFreeWith(Condition condition)
+{
+    return m_condition == condition && takeIfFree();
 }
 
 void ConditionLock::lock()
 {
-    std::unique_lock guard(m_guard);
-    m_freed.wait(guard, [this] { return !m_taken; });
-    m_taken = true;
+    const MutexLock guard(m_guard);
+    while (!takeIfFree())
+        m_freed.wait(m_guard);
 }
 
 bool ConditionLock::tryLock()
 {
-    const std::lock_guard guard(m_guard);
-    return !std::exchange(m_taken, true);
+    const MutexLock guard(m_guard);
+    return takeIfFree();
 }
 
 void ConditionLock::lockWhenCondition(Condition condition)
 {
-    std::unique_lock guard(m_guard);
-    m_freed.wait(guard, [this, condition] { return !m_taken && m_condition == condition; });
-    m_taken = true;
+    const MutexLock guard(m_guard);
+    while (!takeIfFreeWith(condition))
+        m_freed.wait(m_guard);
 }
 
 bool ConditionLock::tryLockWhenCondition(Condition condition)
 {
-    const std::lock_guard guard(m_guard);
-    if (m_taken || m_condition != condition)
-        return false;
-    m_taken = true;
-    return true;
+    const MutexLock guard(m_guard);
+    return takeIfFreeWith(condition);
 }
 
 bool ConditionLock::lockWhenConditionBefore(Condition condition, Interval interval)
@@ -57,30 +64,33 @@ bool ConditionLock::lockWhenConditionBefore(Condition condition, Interval interv
     }
     if (!(interval > Interval::zero())) // what is not a number is no time at all
         return tryLockWhenCondition(condition);
-    std::unique_lock guard(m_guard);
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::ceil<std::chrono::nanoseconds>(interval);
-    if (!m_freed.wait_until(guard, deadline, [this, condition] { return !m_taken && m_condition == condition; }))
-        return false;
-    m_taken = true;
+    const MutexLock guard(m_guard);
+    bool inTime = true;
+    while (!takeIfFreeWith(condition)) {
+        if (!inTime)
+            return false;
+        inTime = m_freed.waitUntil(m_guard, deadline);
+    }
     return true;
 }
 
 void ConditionLock::unlock()
 {
     // Told under the guard: the lock may be gone as soon as a waiting thread sees it free.
-    const std::lock_guard guard(m_guard);
+    const MutexLock guard(m_guard);
     Q_ASSERT_X(m_taken, "ConditionLock", "given back without having been taken");
     m_taken = false;
-    m_freed.notify_all();
+    m_freed.notifyAll();
 }
 
 void ConditionLock::unlockWithCondition(Condition condition)
 {
-    const std::lock_guard guard(m_guard);
+    const MutexLock guard(m_guard);
     Q_ASSERT_X(m_taken, "ConditionLock", "given back without having been taken");
     m_taken = false;
     m_condition = condition;
-    m_freed.notify_all();
+    m_freed.notifyAll();
 }
 
 void ConditionLock::sleepUntilCondition(Condition condition)

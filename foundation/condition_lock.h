@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "foundation/thread_annotations.h"
+
 #include <QtGlobal>
 
 #include <chrono>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 
 namespace havrel {
 
@@ -78,10 +78,13 @@ public:
     [[nodiscard]] bool waitForMessageReplyBeforeInterval(Interval interval);
 
 private:
-    mutable std::mutex m_guard;
-    std::condition_variable m_freed;
-    bool m_taken = false;  // guarded by m_guard
-    Condition m_condition; // guarded by m_guard
+    [[nodiscard]] bool takeIfFree() HAVREL_REQUIRES(m_guard);
+    [[nodiscard]] bool takeIfFreeWith(Condition condition) HAVREL_REQUIRES(m_guard);
+
+    mutable Mutex m_guard;
+    ConditionVariable m_freed;
+    bool m_taken HAVREL_GUARDED_BY(m_guard) = false;
+    Condition m_condition HAVREL_GUARDED_BY(m_guard);
 };
 
 } // namespace havrel

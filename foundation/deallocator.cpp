@@ -22,7 +22,7 @@ void MTKDeallocator::addCallback(Callback callback)
 {
     if (!callback)
         return;
-    const std::lock_guard guard(m_lock);
+    const MutexLock guard(m_lock);
     m_callbacks.push_back(std::move(callback));
 }
 
@@ -30,7 +30,7 @@ void MTKDeallocator::invokeCallbacks()
 {
     std::vector<Callback> callbacks;
     {
-        const std::lock_guard guard(m_lock);
+        const MutexLock guard(m_lock);
         callbacks.swap(m_callbacks);
     }
     for (const Callback& callback : callbacks)

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "foundation/thread_annotations.h"
+
 #include <functional>
-#include <mutex>
 #include <vector>
 
 class QObject;
@@ -29,16 +30,16 @@ public:
     MTKDeallocator& operator=(MTKDeallocator&&) = delete;
 
     /// An empty one is ignored. \selector addCallback:
-    void addCallback(Callback callback);
+    void addCallback(Callback callback) HAVREL_EXCLUDES(m_lock);
     /// Empties the list, then runs each callback of it in the order they were added: none ever runs twice.
     ///
     /// \selector invokeCallbacks
-    void invokeCallbacks();
+    void invokeCallbacks() HAVREL_EXCLUDES(m_lock);
 
 private:
     QObject* m_owner;
-    std::mutex m_lock;
-    std::vector<Callback> m_callbacks; // guarded by m_lock
+    Mutex m_lock;
+    std::vector<Callback> m_callbacks HAVREL_GUARDED_BY(m_lock);
 };
 
 /// Has \p callback run when \p object dies: at the end of its destruction, when only its base is left. An empty one is

@@ -4,6 +4,7 @@
 #include "diagnostics/logr.h"
 #include "foundation/block_batch.h"
 #include "foundation/main_queue_wall.h"
+#include "foundation/thread_annotations.h"
 #include "platform/file_names.h"
 
 #include <QCoreApplication>
@@ -11,9 +12,7 @@
 #include <QThread>
 #include <QThreadPool>
 
-#include <condition_variable>
 #include <exception>
-#include <mutex>
 #include <thread>
 #include <utility>
 
@@ -45,6 +44,31 @@ void runThrowingOn(const std::function<void()>& block)
         throw;
     }
 }
+
+/// What a thread waits for until another one tells that it is done.
+class Completion
+{
+public:
+    void tell()
+    {
+        // Told under the lock: this may be gone as soon as the waiting thread sees it.
+        const MutexLock guard(m_lock);
+        m_done = true;
+        m_told.notifyOne();
+    }
+
+    void wait()
+    {
+        const MutexLock guard(m_lock);
+        while (!m_done)
+            m_told.wait(m_lock);
+    }
+
+private:
+    Mutex m_lock;
+    ConditionVariable m_told;
+    bool m_done HAVREL_GUARDED_BY(m_lock) = false;
+};
 
 } // namespace
 
@@ -91,19 +115,21 @@ struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State>
     }
 
     void run();
-    void startThreadLocked();
-    [[nodiscard]] bool async(const QueuedBlock::Source& block);
+    [[nodiscard]] bool waitForBlocks(BlockBatch& batch) HAVREL_EXCLUDES(lock);
+    void startThread() HAVREL_REQUIRES(lock);
+    [[nodiscard]] bool async(const QueuedBlock::Source& block) HAVREL_EXCLUDES(lock);
+    [[nodiscard]] std::thread end() HAVREL_EXCLUDES(lock);
 
     static thread_local State* t_current; // of the queue whose thread this is
 
     const QString name;
-    std::mutex lock;
-    std::condition_variable arrived;
-    BlockBatch waiting;   // guarded by lock
-    bool idle = false;    // guarded by lock: the thread waits for a block
-    bool started = false; // guarded by lock
-    bool ending = false;  // guarded by lock
-    std::thread thread;   // guarded by lock until ending
+    Mutex lock;
+    ConditionVariable arrived;
+    BlockBatch waiting HAVREL_GUARDED_BY(lock);
+    bool idle HAVREL_GUARDED_BY(lock) = false; // the thread waits for a block
+    bool started HAVREL_GUARDED_BY(lock) = false;
+    bool ending HAVREL_GUARDED_BY(lock) = false;
+    std::thread thread HAVREL_GUARDED_BY(lock);
 };
 
 thread_local SerialQueue::State* SerialQueue::State::t_current = nullptr;
@@ -113,21 +139,23 @@ void SerialQueue::State::run()
     t_current = this;
     ::pthread_setname_np(::pthread_self(), platform::bytesOfFileName(name).left(15).constData());
     BlockBatch batch;
-    std::unique_lock guard(lock);
-    while (true) {
-        idle = true;
-        arrived.wait(guard, [this] { return !waiting.isEmpty() || ending; });
-        idle = false;
-        if (waiting.isEmpty())
-            return;
-        batch.swap(waiting);
-        guard.unlock();
+    while (waitForBlocks(batch))
         batch.drain([](QueuedBlock& block) { runAtWall([&block] { block(); }); });
-        guard.lock();
-    }
 }
 
-void SerialQueue::State::startThreadLocked()
+/// Moves what is waiting to \p batch, which is empty. \return whether there is anything: not when the queue ends.
+bool SerialQueue::State::waitForBlocks(BlockBatch& batch)
+{
+    const MutexLock guard(lock);
+    idle = true;
+    while (waiting.isEmpty() && !ending)
+        arrived.wait(lock);
+    idle = false;
+    batch.swap(waiting);
+    return !batch.isEmpty();
+}
+
+void SerialQueue::State::startThread()
 {
     // Not asked of the thread itself, which the destructor takes away while the last blocks may still queue others.
     if (started)
@@ -140,17 +168,30 @@ bool SerialQueue::State::async(const QueuedBlock::Source& block)
 {
     bool wake = false;
     {
-        const std::lock_guard guard(lock);
+        const MutexLock guard(lock);
         if (ending && t_current != this)
             return false;
         if (!ending)
-            startThreadLocked();
+            startThread();
         waiting.push(block);
         wake = std::exchange(idle, false);
     }
     if (wake)
-        arrived.notify_one();
+        arrived.notifyOne();
     return true;
+}
+
+/// Lets the thread run what is waiting, and no more. \return the thread.
+std::thread SerialQueue::State::end()
+{
+    std::thread ended;
+    {
+        const MutexLock guard(lock);
+        ending = true;
+        ended = std::move(thread);
+    }
+    arrived.notifyOne();
+    return ended;
 }
 
 SerialQueue::SerialQueue(const QString& name)
@@ -160,13 +201,7 @@ SerialQueue::SerialQueue(const QString& name)
 
 SerialQueue::~SerialQueue()
 {
-    std::thread thread;
-    {
-        const std::lock_guard guard(m_state->lock);
-        m_state->ending = true;
-        thread = std::move(m_state->thread);
-    }
-    m_state->arrived.notify_one();
+    std::thread thread = m_state->end();
     if (thread.joinable())
         thread.join();
 }
@@ -192,9 +227,7 @@ void SerialQueue::sync(const std::function<void()>& block)
         block();
         return;
     }
-    std::mutex lock;
-    std::condition_variable done;
-    bool finished = false;
+    Completion completion;
     std::exception_ptr thrown;
     const bool queued = m_state->async([&] {
         try {
@@ -202,14 +235,11 @@ void SerialQueue::sync(const std::function<void()>& block)
         } catch (...) {
             thrown = std::current_exception();
         }
-        const std::lock_guard guard(lock);
-        finished = true;
-        done.notify_one();
+        completion.tell();
     });
     if (!queued)
         return;
-    std::unique_lock guard(lock);
-    done.wait(guard, [&finished] { return finished; });
+    completion.wait();
     if (thrown)
         std::rethrow_exception(thrown);
 }

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/key_path.h"
 
+#include "foundation/thread_annotations.h"
+
 #include <memory>
-#include <mutex>
 #include <string>
 #include <unordered_set>
 
@@ -11,10 +12,10 @@ namespace havrel {
 KeyPath KeyPath::kept(std::string_view chars)
 {
     using Table = std::unordered_set<std::string>;
-    static std::mutex s_lock;
+    static Mutex s_lock;
     // Never destroyed: key paths may still be used while the process ends.
-    static Table* const s_table = std::make_unique<Table>().release();
-    const std::lock_guard guard(s_lock);
+    static Table* const s_table HAVREL_PT_GUARDED_BY(s_lock) = std::make_unique<Table>().release();
+    const MutexLock guard(s_lock);
     return KeyPath(std::string_view(*s_table->emplace(chars).first));
 }
 

@@ -4,9 +4,9 @@
 #include "foundation/deallocator.h"
 #include "foundation/dispatch.h"
 #include "foundation/property_access.h"
+#include "foundation/thread_annotations.h"
 
 #include <atomic>
-#include <mutex>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -66,25 +66,25 @@ private:
     void endWith(QObject& sender);
     void forget(const QObject* sender);
     template<class Condition>
-    std::vector<std::shared_ptr<Entry>> takeIf(Condition condition);
+    std::vector<std::shared_ptr<Entry>> takeIf(Condition condition) HAVREL_REQUIRES(m_lock);
 
-    std::mutex m_lock;
-    std::vector<std::shared_ptr<Entry>> m_entries;       // guarded by m_lock
-    std::unordered_set<const QObject*> m_watchedSenders; // guarded by m_lock: we hear of their death
+    Mutex m_lock;
+    std::vector<std::shared_ptr<Entry>> m_entries HAVREL_GUARDED_BY(m_lock);
+    std::unordered_set<const QObject*> m_watchedSenders HAVREL_GUARDED_BY(m_lock); // we hear of their death
 };
 
 void NotificationRegistration::Entries::add(const std::shared_ptr<Entry>& entry)
 {
     if (entry->sender.object)
         endWith(*entry->sender.object);
-    const std::lock_guard guard(m_lock);
+    const MutexLock guard(m_lock);
     m_entries.push_back(entry);
 }
 
 void NotificationRegistration::Entries::endWith(QObject& sender)
 {
     {
-        const std::lock_guard guard(m_lock);
+        const MutexLock guard(m_lock);
         if (!m_watchedSenders.insert(&sender).second)
             return;
     }
@@ -98,7 +98,7 @@ void NotificationRegistration::Entries::endWith(QObject& sender)
 void NotificationRegistration::Entries::forget(const QObject* sender)
 {
     std::vector<std::shared_ptr<Entry>> removed; // what their blocks hold goes outside the lock
-    const std::lock_guard guard(m_lock);
+    const MutexLock guard(m_lock);
     m_watchedSenders.erase(sender);
     removed = takeIf([sender](const Entry& entry) { return entry.sender.object == sender; });
 }
@@ -106,11 +106,11 @@ void NotificationRegistration::Entries::forget(const QObject* sender)
 void NotificationRegistration::Entries::remove(const Entry& entry)
 {
     std::vector<std::shared_ptr<Entry>> removed; // what their blocks hold goes outside the lock
-    const std::lock_guard guard(m_lock);
+    const MutexLock guard(m_lock);
     removed = takeIf([&entry](const Entry& each) { return &each == &entry; });
 }
 
-/// Under m_lock, which the caller holds: removes and ends the entries.
+/// Removes and ends the entries.
 template<class Condition>
 auto NotificationRegistration::Entries::takeIf(Condition condition) -> std::vector<std::shared_ptr<Entry>>
 {
@@ -128,7 +128,7 @@ auto NotificationRegistration::Entries::wanting(const QString& name, const Sende
     -> std::vector<std::shared_ptr<Entry>>
 {
     std::vector<std::shared_ptr<Entry>> result;
-    const std::lock_guard guard(m_lock);
+    const MutexLock guard(m_lock);
     for (const auto& entry : m_entries) {
         if (entry->wants(name, sender))
             result.push_back(entry);

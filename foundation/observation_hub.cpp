@@ -13,7 +13,6 @@
 #include <QMetaProperty>
 
 #include <algorithm>
-#include <mutex>
 #include <unordered_map>
 #include <utility>
 
@@ -33,14 +32,14 @@ public:
 
     ObservationHub* find(const QObject& object) noexcept
     {
-        const std::lock_guard guard(m_lock);
+        const MutexLock guard(m_lock);
         const auto found = m_hubs.find(&object);
         return found == m_hubs.end() ? nullptr : found->second.get();
     }
 
     ObservationHub& of(QObject& object)
     {
-        const std::lock_guard guard(m_lock);
+        const MutexLock guard(m_lock);
         std::unique_ptr<ObservationHub>& hub = m_hubs[&object];
         if (!hub) {
             hub = std::make_unique<ObservationHub>(object);
@@ -53,15 +52,15 @@ private:
     void end(const QObject* object)
     {
         std::unique_ptr<ObservationHub> hub; // goes outside the lock, because it runs foreign code
-        const std::lock_guard guard(m_lock);
+        const MutexLock guard(m_lock);
         if (const auto found = m_hubs.find(object); found != m_hubs.end()) {
             hub = std::move(found->second);
             m_hubs.erase(found);
         }
     }
 
-    std::mutex m_lock;
-    std::unordered_map<const QObject*, std::unique_ptr<ObservationHub>> m_hubs; // guarded by m_lock
+    Mutex m_lock;
+    std::unordered_map<const QObject*, std::unique_ptr<ObservationHub>> m_hubs HAVREL_GUARDED_BY(m_lock);
 };
 
 /// Whether \p object calls its own hub when \p property changes.
@@ -109,6 +108,8 @@ private:
     ObservationHub* m_hub;
     Reporting* m_outer;
 };
+
+Mutex ObservationHub::s_deallocatorLock;
 
 ObservationHub* ObservationHub::find(const QObject& object) noexcept
 {
@@ -160,8 +161,7 @@ ObservationHub::~ObservationHub()
 
 MTKDeallocator& ObservationHub::deallocator()
 {
-    static std::mutex s_lock;
-    const std::lock_guard guard(s_lock);
+    const MutexLock guard(s_deallocatorLock);
     if (!m_deallocator)
         m_deallocator = std::make_unique<MTKDeallocator>(&m_object);
     return *m_deallocator;

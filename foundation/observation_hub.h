@@ -2,6 +2,7 @@
 #pragma once
 
 #include "foundation/property_watcher.h"
+#include "foundation/thread_annotations.h"
 
 #include <memory>
 #include <vector>
@@ -75,11 +76,13 @@ private:
     void relayIfNeeded(KeyPath name);
     void forgetRemoved();
 
+    static Mutex s_deallocatorLock; // one for all hubs: held only while one is made
+
     QObject& m_object;
     std::vector<std::shared_ptr<PropertyWatcher>> m_watchers; // null where one was removed during a report
     Reporting* m_reporting = nullptr;                         // innermost report under way
     bool m_someRemoved = false;                               // while one was
-    std::unique_ptr<MTKDeallocator> m_deallocator;
+    std::unique_ptr<MTKDeallocator> m_deallocator HAVREL_GUARDED_BY(s_deallocatorLock);
     std::vector<std::unique_ptr<NotifyRelay>> m_relays; // one for each observed property that tells by a signal
     std::vector<std::shared_ptr<MTKObserver>> m_owned;
     std::vector<NotificationRegistration> m_registrations;

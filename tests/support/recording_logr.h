@@ -2,10 +2,10 @@
 #pragma once
 
 #include "diagnostics/logr.h"
+#include "foundation/thread_annotations.h"
 
 #include <QStringList>
 
-#include <mutex>
 #include <utility>
 
 namespace havrel::tests {
@@ -26,7 +26,7 @@ public:
 
     void logCString(const QByteArray& line) override
     {
-        const std::lock_guard guard(m_lock);
+        const MutexLock guard(m_lock);
         m_lines << QString::fromLatin1(line);
     }
 
@@ -34,7 +34,7 @@ public:
     [[nodiscard]] QStringList lines()
     {
         flush();
-        const std::lock_guard guard(m_lock);
+        const MutexLock guard(m_lock);
         return m_lines;
     }
 
@@ -42,7 +42,7 @@ public:
     void clear()
     {
         flush();
-        const std::lock_guard guard(m_lock);
+        const MutexLock guard(m_lock);
         m_lines.clear();
     }
 
@@ -59,8 +59,8 @@ public:
 private:
     static constexpr qsizetype kDateLength = 30; // "2025-07-30 12:34:56.789 +0200 "
 
-    std::mutex m_lock;
-    QStringList m_lines; // guarded by m_lock
+    Mutex m_lock;
+    QStringList m_lines HAVREL_GUARDED_BY(m_lock);
 };
 
 /// Makes \p logger the shared logger for as long as this lives; then the next use chooses anew.
