@@ -90,7 +90,7 @@ TEST(QueuedBlock, LetsGoOfWhatItHolds)
         QueuedBlock block;
         block.take([counted = Counted(alive)] {});
         EXPECT_EQ(alive, 1);
-        block.take([counted = Counted(alive), large = std::array<char, 500>{}] {});
+        block.take([counted = Counted(alive), large = std::array<char, 500>{}] { EXPECT_EQ(large.size(), 500U); });
         EXPECT_EQ(alive, 1);
         block.reset();
         EXPECT_EQ(alive, 0);
