@@ -6,68 +6,13 @@
 #include "foundation/error.h"
 #include "platform/input_records.h"
 
-#include <cerrno>
-
 namespace havrel::cli {
-namespace {
-
-constexpr QByteArrayView kScheme = "file:";
-
-ItemPath fault(const char* text)
-{
-    return {{}, QString::fromLatin1(text)};
-}
-
-bool isHexadecimalDigit(char byte)
-{
-    return (byte >= '0' && byte <= '9') || (byte >= 'a' && byte <= 'f') || (byte >= 'A' && byte <= 'F');
-}
-
-/// Whether two digits follow each "%".
-bool isWellEncoded(const QByteArray& text)
-{
-    for (qsizetype at = text.indexOf('%'); at >= 0; at = text.indexOf('%', at + 1))
-        if (at + 2 >= text.size() || !isHexadecimalDigit(text[at + 1]) || !isHexadecimalDigit(text[at + 2]))
-            return false;
-    return true;
-}
-
-ItemPath pathOfURI(const QByteArray& uri)
-{
-    QByteArray path = uri.mid(kScheme.size());
-    if (path.startsWith("//")) {
-        const qsizetype root = path.indexOf('/', 2);
-        const QByteArray host = path.mid(2, root < 0 ? -1 : root - 2);
-        if (!host.isEmpty() && host.compare("localhost", Qt::CaseInsensitive) != 0)
-            return fault("this URI names an item on another computer");
-        path = root < 0 ? QByteArray() : path.mid(root);
-    }
-    if (!path.startsWith('/'))
-        return fault("this URI has no absolute path (a path that begins with \"file:\" is written ./file:...)");
-    if (path.contains('?') || path.contains('#'))
-        return fault("this URI has a query or a fragment (in a name, ? is written %3F and # is written %23)");
-    if (!isWellEncoded(path))
-        return fault("this URI has a % without two hexadecimal digits");
-    const QByteArray decoded = QByteArray::fromPercentEncoding(path);
-    if (decoded.contains('\0'))
-        return fault("this URI holds a NUL, which no path can");
-    return {decoded, {}};
-}
-
-} // namespace
-
-QByteArray withoutTrailingSlashes(QByteArray path)
-{
-    while (path.size() > 1 && (path.endsWith('/') || path.endsWith("/.")))
-        path.chop(1);
-    return path;
-}
 
 ItemPath pathOfItem(const QByteArray& item)
 {
-    ItemPath result = item.startsWith(kScheme) ? pathOfURI(item) : ItemPath{item, {}};
+    ItemPath result = item.startsWith("file:") ? pathOfFileURI(item) : ItemPath{item, {}};
     if (result.fault.isNull() && result.path.isEmpty())
-        return fault("an empty name names no item");
+        return {{}, QStringLiteral("an empty name names no item")};
     result.path = withoutTrailingSlashes(result.path);
     return result;
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "fs/item_path.h"
+
 #include <QByteArray>
 #include <QByteArrayList>
 #include <QString>
@@ -34,24 +36,10 @@ private:
     std::optional<QByteArray> m_from;
 };
 
-/// The path that \p item means, or why it means none.
-struct ItemPath
-{
-    QByteArray path;
-    QString fault; ///< null when there is a path
-};
-
-/// Text that begins with "file:" is a URI, everything else a path. Slashes at the end go, also with dots
-/// behind them: they would lead through a link to its target.
-///
-/// \source RFC 8089; the host may be absent, empty or "localhost".
+/// The path that \p item means, or why it means none. Text that begins with "file:" is a URI, everything else a path.
+/// Slashes at the end go, also with dots behind them: they would lead through a link to its target.
 ///
 /// Threads: any thread.
 [[nodiscard]] ItemPath pathOfItem(const QByteArray& item);
-
-/// \p path without any "/" and "/." at its end; "/" stays.
-///
-/// Threads: any thread.
-[[nodiscard]] QByteArray withoutTrailingSlashes(QByteArray path);
 
 } // namespace havrel::cli
