@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: MIT
+#include "capture_prefs_ui/capture_preferences_controller.h"
+
+#include "capture_prefs_ui/alert.h"
+#include "capture_prefs_ui/capture_preferences_view_state.h"
+#include "capture_prefs_ui/capture_preferences_window.h"
+#include "capture_prefs_ui/item_pass.h"
+#include "capture_prefs_ui/item_texts.h"
+#include "capture_prefs_ui/table_width_constraint.h"
+#include "capture_prefs_ui/timers.h"
+#include "capture_prefs_ui/window_frames.h"
+#include "foundation/dispatch.h"
+#include "ui_CapturePreferencesWindow.h"
+
+namespace havrel {
+
+CapturePreferencesController::CapturePreferencesController(AlertPresenter& alerts,
+                                                           std::function<void()> busy,
+                                                           Timers& timers)
+    : m_alerts(alerts)
+    , m_busy(std::move(busy))
+    , m_timers(timers)
+    , m_autoWriteTimer(timers.makeTimer([this] { runAtWall([this] { autoWriteTime(); }); }))
+    , m_statusTimer(timers.makeTimer([this] { showStatus(); }))
+{
+}
+
+CapturePreferencesController::CapturePreferencesController(AlertPresenter& alerts, std::function<void()> busy)
+    : CapturePreferencesController(alerts, std::move(busy), Timers::ofEventLoop())
+{
+}
+
+CapturePreferencesController::~CapturePreferencesController()
+{
+    m_autoWriteTimer->stop();
+    m_statusTimer->stop();
+}
+
+CapturePreferencesWindow& CapturePreferencesController::window()
+{
+    if (!m_window) {
+        m_window = std::make_unique<CapturePreferencesWindow>();
+        connectControls();
+    }
+    return *m_window;
+}
+
+const TableWidthConstraint* CapturePreferencesController::patternTableWidthConstraint() const noexcept
+{
+    return m_patternTableWidthConstraint.get();
+}
+
+void CapturePreferencesController::setWindowFrameAutosaveName(const QString& name)
+{
+    m_frameName = name;
+    window_frames::restore(window(), name);
+}
+
+bool CapturePreferencesController::prepareWithItems(const QList<QUrl>& urls)
+{
+    m_loaded = {};
+    const ItemPass pass{.text = tr("Reading the capture preferences of %1 items...").arg(urls.size()),
+                        .count = urls.size(),
+                        .perform = [this, &urls](qsizetype index) {
+                            m_loaded.add(urls[index]);
+                            return true;
+                        }};
+    if (runPass(pass, window(), m_timers) == PassEnd::Cancelled)
+        return false;
+    showRefusedSoon();
+    if (m_loaded.items.isEmpty())
+        return false;
+    window().showItems(m_loaded);
+    showPatterns();
+    updateView();
+    m_dirty = false;
+    m_failure.clear();
+    showStatus();
+    return true;
+}
+
+void CapturePreferencesController::showRefusedSoon()
+{
+    if (m_loaded.refused.isEmpty())
+        return;
+    const Alert alert = item_texts::permissionAlert(m_loaded.refused);
+    const bool onWindow = !m_loaded.items.isEmpty();
+    onMainQueue([controller = QPointer(this), alert, onWindow] {
+        if (!controller)
+            return;
+        if (onWindow)
+            controller->m_alerts.beginSheet(alert, controller->window(), {});
+        else
+            static_cast<void>(controller->m_alerts.runModal(alert));
+    });
+}
+
+void CapturePreferencesController::showPatterns() {}
+
+void CapturePreferencesController::showWindow()
+{
+    CapturePreferencesWindow& shown = window();
+    shown.show();
+    shown.raise();
+    shown.activateWindow();
+}
+
+void CapturePreferencesController::updateView()
+{
+    window().showState(viewStateOf(m_loaded.prefs, m_loaded.allContainers));
+}
+
+void CapturePreferencesController::updateViewAndMakeDirty()
+{
+    updateView();
+    makeDirty();
+}
+
+PreferencesPtrs CapturePreferencesController::prefsForOptions(OptionRange range)
+{
+    return m_loaded.prefs.forOptions(range);
+}
+
+ButtonState CapturePreferencesController::buttonStateForOption(CaptureOption option) const
+{
+    return m_loaded.prefs.stateForOption(option);
+}
+
+ButtonState CapturePreferencesController::buttonStateForKey(PreferenceKey key, const PreferencesPtrs& ofPrefs) const
+{
+    return m_loaded.prefs.stateForKey(key, ofPrefs);
+}
+
+bool CapturePreferencesController::homogenousValuesForKey(PreferenceKey key, const PreferencesPtrs& ofPrefs) const
+{
+    return m_loaded.prefs.areHomogenous(key, ofPrefs);
+}
+
+void CapturePreferencesController::windowWillClose()
+{
+    if (!m_frameName.isEmpty())
+        window_frames::save(window(), m_frameName);
+    commitEditingAndWrite();
+}
+
+} // namespace havrel

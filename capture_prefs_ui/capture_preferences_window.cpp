@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: MIT
+#include "capture_prefs_ui/capture_preferences_window.h"
+
+#include "capture_prefs_ui/calm_wheel.h"
+#include "capture_prefs_ui/capture_preferences_view_state.h"
+#include "capture_prefs_ui/item_texts.h"
+#include "ui_CapturePreferencesWindow.h"
+
+#include <QButtonGroup>
+#include <QCloseEvent>
+#include <QIcon>
+#include <QShortcut>
+#include <QSignalBlocker>
+
+namespace havrel {
+namespace {
+
+constexpr int kIconSize = 48;
+
+struct ScaleTitle
+{
+    DurationScale scale;
+    const char* title;
+};
+
+/// The tags of the unit menus are the stored numbers.
+constexpr ScaleTitle kScaleTitles[] = {
+    {DurationScale::Minutes, QT_TRANSLATE_NOOP("havrel::CapturePreferencesWindow", "minutes")},
+    {DurationScale::Hours, QT_TRANSLATE_NOOP("havrel::CapturePreferencesWindow", "hours")},
+    {DurationScale::Days, QT_TRANSLATE_NOOP("havrel::CapturePreferencesWindow", "days")},
+    {DurationScale::Weeks, QT_TRANSLATE_NOOP("havrel::CapturePreferencesWindow", "weeks")},
+    {DurationScale::Months, QT_TRANSLATE_NOOP("havrel::CapturePreferencesWindow", "months")},
+    {DurationScale::Years, QT_TRANSLATE_NOOP("havrel::CapturePreferencesWindow", "years")},
+};
+
+void showDuration(const DurationState& state, DurationField& field, QComboBox& menu)
+{
+    field.setEnabled(state.isEnabled);
+    field.setValue(state.duration);
+    menu.setEnabled(state.isEnabled);
+    menu.setCurrentIndex(menu.findData(static_cast<uint>(state.scale)));
+}
+
+void showTime(QTimeEdit& picker, int minute)
+{
+    const QSignalBlocker quiet(picker);
+    picker.setTime(QTime(minute / 60, minute % 60));
+}
+
+} // namespace
+
+CapturePreferencesWindow::CapturePreferencesWindow()
+    : m_ui(std::make_unique<Ui::CapturePreferencesWindow>())
+    , m_optionButtons(new QButtonGroup(this))
+    , m_scrapeButtons(new QButtonGroup(this))
+{
+    m_ui->setupUi(this);
+    groupButtons();
+    fillScaleMenus();
+    calmWheels();
+    addShortcuts();
+    emphasizeName();
+    for (QTimeEdit* each : {m_ui->ignoreFromPicker, m_ui->ignoreToPicker})
+        each->setDisplayFormat(QLocale().timeFormat(QLocale::ShortFormat));
+}
+
+CapturePreferencesWindow::~CapturePreferencesWindow() = default;
+
+void CapturePreferencesWindow::groupButtons()
+{
+    const QList<QAbstractButton*> options{m_ui->optionNoneButton,
+                                          m_ui->optionExcludeButton,
+                                          m_ui->optionExcludeContentsButton,
+                                          m_ui->optionIgnoreButton,
+                                          m_ui->optionScrapeButton,
+                                          m_ui->optionScrapeContentsButton};
+    for (qsizetype option = 0; option < options.size(); ++option)
+        m_optionButtons->addButton(options[option], static_cast<int>(option));
+    m_scrapeButtons->addButton(m_ui->scrapeImmediatelyButton);
+    m_scrapeButtons->addButton(m_ui->scrapeAfterButton);
+}
+
+void CapturePreferencesWindow::fillScaleMenus()
+{
+    for (QComboBox* menu : {m_ui->ignoreScaleMenu, m_ui->scrapeScaleMenu})
+        for (const ScaleTitle& each : kScaleTitles)
+            menu->addItem(tr(each.title), static_cast<uint>(each.scale));
+}
+
+void CapturePreferencesWindow::calmWheels()
+{
+    auto* calm = new CalmWheel(this);
+    const QList<QWidget*> controls{m_ui->ignoreDurationField,
+                                   m_ui->ignoreScaleMenu,
+                                   m_ui->ignoreFromPicker,
+                                   m_ui->ignoreToPicker,
+                                   m_ui->scrapeDurationField,
+                                   m_ui->scrapeScaleMenu};
+    for (QWidget* each : controls) {
+        each->setFocusPolicy(Qt::StrongFocus);
+        each->installEventFilter(calm);
+    }
+}
+
+void CapturePreferencesWindow::addShortcuts()
+{
+    const auto* close = new QShortcut(QKeySequence::Close, this);
+    connect(close, &QShortcut::activated, this, &QWidget::close);
+}
+
+void CapturePreferencesWindow::emphasizeName()
+{
+    QFont larger = font();
+    larger.setPointSizeF(larger.pointSizeF() * 1.25);
+    larger.setBold(true);
+    m_ui->itemNameField->setFont(larger);
+    QFont title = font();
+    title.setBold(true);
+    m_ui->patternsTitleField->setFont(title);
+}
+
+void CapturePreferencesWindow::showItems(const LoadedItems& loaded)
+{
+    const QString name = item_texts::name(loaded);
+    m_ui->itemIconImage->setPixmap(iconForItems(loaded).pixmap(QSize(kIconSize, kIconSize), devicePixelRatioF()));
+    m_ui->itemNameField->setText(name);
+    m_ui->itemPlaceField->setText(item_texts::place(loaded));
+    m_ui->patternsTitleField->setText(item_texts::patternsTitle(loaded));
+    setWindowTitle(tr("Capture Preferences of %1").arg(name));
+}
+
+void CapturePreferencesWindow::showState(const CapturePreferencesViewState& state)
+{
+    for (std::size_t option = 0; option < state.options.size(); ++option) {
+        auto* button = static_cast<MixedRadioButton*>(m_optionButtons->button(static_cast<int>(option)));
+        button->setState(state.options[option]);
+    }
+    m_ui->optionExcludeContentsButton->setEnabled(state.canTreatContents);
+    m_ui->optionScrapeContentsButton->setEnabled(state.canTreatContents);
+    m_ui->allArchivesButton->setEnabled(state.isExcluding);
+    m_ui->allArchivesButton->setState(state.allArchives);
+    showIgnoring(state);
+    showScraping(state);
+}
+
+void CapturePreferencesWindow::showIgnoring(const CapturePreferencesViewState& state)
+{
+    const bool isIgnoring = state.ignoring.isEnabled;
+    showDuration(state.ignoring, *m_ui->ignoreDurationField, *m_ui->ignoreScaleMenu);
+    m_ui->ignoreDurationLabel->setEnabled(isIgnoring);
+    m_ui->ignoreDurationEndLabel->setEnabled(isIgnoring);
+    m_ui->ignoreBetweenButton->setEnabled(isIgnoring);
+    m_ui->ignoreBetweenButton->setState(state.ignoreBetween);
+    m_ui->ignoreBetweenLabel->setEnabled(isIgnoring);
+    for (QTimeEdit* each : {m_ui->ignoreFromPicker, m_ui->ignoreToPicker})
+        each->setEnabled(isIgnoring && state.canSetTimes);
+    showTime(*m_ui->ignoreFromPicker, state.ignoreFromMinute);
+    showTime(*m_ui->ignoreToPicker, state.ignoreToMinute);
+}
+
+void CapturePreferencesWindow::showScraping(const CapturePreferencesViewState& state)
+{
+    m_ui->scrapeImmediatelyButton->setEnabled(state.isScraping);
+    m_ui->scrapeImmediatelyButton->setState(state.scrapeImmediately);
+    m_ui->scrapeAfterButton->setEnabled(state.isScraping);
+    m_ui->scrapeAfterButton->setState(state.scrapeAfter);
+    m_ui->scrapeAfterLabel->setEnabled(state.scraping.isEnabled);
+    showDuration(state.scraping, *m_ui->scrapeDurationField, *m_ui->scrapeScaleMenu);
+}
+
+void CapturePreferencesWindow::commitEditing()
+{
+    for (DurationField* each : {m_ui->ignoreDurationField, m_ui->scrapeDurationField})
+        each->commit();
+    for (QTimeEdit* each : {m_ui->ignoreFromPicker, m_ui->ignoreToPicker})
+        each->interpretText();
+    // Whatever else is edited hears that it loses the focus.
+    if (QWidget* editor = focusWidget())
+        editor->clearFocus();
+}
+
+void CapturePreferencesWindow::closeEvent(QCloseEvent* event)
+{
+    Q_EMIT closing();
+    event->accept();
+}
+
+void CapturePreferencesWindow::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::FontChange)
+        emphasizeName();
+    QWidget::changeEvent(event);
+}
+
+} // namespace havrel

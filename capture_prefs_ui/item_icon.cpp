@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#include "capture_prefs_ui/item_texts.h"
+#include "capture_prefs_ui/loaded_items.h"
+#include "fs/path.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QMimeDatabase>
+#include <QStyle>
+
+namespace havrel {
+namespace {
+
+QIcon themeIcon(const QStringList& names, QStyle::StandardPixmap otherwise)
+{
+    for (const QString& each : names)
+        if (QIcon::hasThemeIcon(each))
+            return QIcon::fromTheme(each);
+    return QApplication::style()->standardIcon(otherwise);
+}
+
+QIcon folderIcon()
+{
+    return themeIcon({QStringLiteral("folder"), QStringLiteral("inode-directory")}, QStyle::SP_DirIcon);
+}
+
+/// By the name alone: looking into a file could block, and would read it.
+QIcon fileIcon(const JNPath& path)
+{
+    const QMimeType type = QMimeDatabase().mimeTypeForFile(path.name(), QMimeDatabase::MatchExtension);
+    return themeIcon({type.iconName(), type.genericIconName(), QStringLiteral("text-x-generic")}, QStyle::SP_FileIcon);
+}
+
+} // namespace
+
+QIcon iconForItems(const LoadedItems& loaded)
+{
+    if (loaded.allContainers)
+        return folderIcon();
+    if (loaded.items.size() == 1)
+        return fileIcon(*loaded.paths.front());
+    return themeIcon(
+        {QStringLiteral("document-multiple"), QStringLiteral("edit-copy"), QStringLiteral("text-x-generic")},
+        QStyle::SP_FileIcon);
+}
+
+} // namespace havrel

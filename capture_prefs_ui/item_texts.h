@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QUrl>
+
+class QIcon;
+
+namespace havrel {
+
+class JNPath;
+struct Alert;
+struct LoadedItems;
+
+/// What is said and shown of the items of a window.
+///
+/// Threads: the main thread only.
+namespace item_texts {
+
+/// The display name of one item, "5 Items" of several.
+[[nodiscard]] QString name(const LoadedItems& loaded);
+/// Below it: "in ~/Documents" for one item, "3 folders, 2 files" for several; packages count as files.
+[[nodiscard]] QString place(const LoadedItems& loaded);
+/// What stands over the patterns.
+[[nodiscard]] QString patternsTitle(const LoadedItems& loaded);
+
+/// That the \p refused items, at least one, may not be edited; by their display names.
+[[nodiscard]] Alert permissionAlert(const QList<QUrl>& refused);
+/// That the item at \p path could not be written, and why.
+[[nodiscard]] Alert writeAlert(const JNPath& path, const QString& reason);
+
+} // namespace item_texts
+
+/// The desktop's icon for one item, by its name; that of its kind for several of one kind, else one for several.
+///
+/// Threads: the main thread only.
+[[nodiscard]] QIcon iconForItems(const LoadedItems& loaded);
+
+} // namespace havrel
