@@ -81,14 +81,6 @@ bool BinaryPropertyListBytes::holds(quint64 start, quint64 length)
     return false;
 }
 
-quint64 BinaryPropertyListBytes::unsignedAt(quint64 start, quint64 width) const
-{
-    quint64 number = 0;
-    for (quint64 i = 0; i < width; ++i)
-        number = number << 8 | byteAt(start + i);
-    return number;
-}
-
 void BinaryPropertyListBytes::fail(const QString& fault)
 {
     if (!failed())

@@ -41,7 +41,13 @@ public:
     [[nodiscard]] bool holds(quint64 start, quint64 length);
 
     /// Unchecked: the caller has asked holds() or bodyAt().
-    [[nodiscard]] quint64 unsignedAt(quint64 start, quint64 width) const;
+    [[nodiscard]] quint64 unsignedAt(quint64 start, quint64 width) const
+    {
+        quint64 number = 0;
+        for (quint64 i = 0; i < width; ++i)
+            number = number << 8 | byteAt(start + i);
+        return number;
+    }
     [[nodiscard]] quint8 byteAt(quint64 at) const { return static_cast<quint8>(m_bytes[static_cast<qsizetype>(at)]); }
     [[nodiscard]] const char* pointerTo(quint64 at) const { return m_bytes.constData() + at; }
 

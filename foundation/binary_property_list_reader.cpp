@@ -12,6 +12,8 @@ namespace {
 
 namespace format = binary_property_list;
 
+constexpr quint64 kMostElementsExpected = 256; // what a damaged list claims to hold is not believed further than this
+
 /// One reading. Behind the first fault every object is nil and nothing more is read.
 class Reader
 {
@@ -27,6 +29,7 @@ private:
     QVariant objectAt(quint64 index, int depth);
     QVariant existingObjectAt(quint64 index, int depth);
     QVariant containerAt(quint64 index, quint64 start, int depth);
+    QVariant longScalarAt(quint64 index, quint64 start);
     QVariant list(quint64 start, int depth);
     QVariant map(quint64 start, int depth);
     QVariant referred(quint64 at, int depth);
@@ -34,15 +37,14 @@ private:
 
     BinaryPropertyListBytes m_bytes;
     int m_visited = 0;
-    std::vector<QVariant> m_scalars; // by index, nil until read: a shared one is decoded once
-    std::vector<bool> m_open;        // by index: the containers around the current object
+    std::vector<QVariant> m_longScalars; // by index, nil until read; none before there is one
+    std::vector<bool> m_open;            // by index: the containers around the current object
 };
 
 PropertyListReading Reader::read()
 {
     PropertyListReading reading;
     if (!m_bytes.failed()) {
-        m_scalars.resize(m_bytes.count());
         m_open.resize(m_bytes.count());
         reading.value = objectAt(m_bytes.top(), 0);
     }
@@ -60,8 +62,7 @@ QVariant Reader::objectAt(quint64 index, int depth)
         return fail(QStringLiteral("a reference leads outside the table of objects"));
     if (++m_visited > kMostPropertyListObjects)
         return fail(property_list_fault::tooManyValues());
-    const QVariant& known = m_scalars[index];
-    return known.isValid() ? known : existingObjectAt(index, depth);
+    return existingObjectAt(index, depth);
 }
 
 QVariant Reader::existingObjectAt(quint64 index, int depth)
@@ -69,10 +70,22 @@ QVariant Reader::existingObjectAt(quint64 index, int depth)
     const std::optional<quint64> start = m_bytes.startOf(index);
     if (!start)
         return {};
-    const int type = m_bytes.byteAt(*start) & 0xF0;
+    const quint8 marker = m_bytes.byteAt(*start);
+    const int type = marker & 0xF0;
     if (type == format::Array || type == format::Dictionary)
         return containerAt(index, *start, depth + 1);
-    return m_scalars[index] = binaryScalarAt(m_bytes, *start);
+    const bool isLong = (marker & 0x0F) == format::kCountFollows;
+    return isLong ? longScalarAt(index, *start) : binaryScalarAt(m_bytes, *start);
+}
+
+/// Decodes a scalar once, however often it is referred to. For short ones that would cost more than it saves.
+QVariant Reader::longScalarAt(quint64 index, quint64 start)
+{
+    m_longScalars.resize(m_bytes.count());
+    QVariant& scalar = m_longScalars[index];
+    if (!scalar.isValid())
+        scalar = binaryScalarAt(m_bytes, start);
+    return scalar;
 }
 
 QVariant Reader::containerAt(quint64 index, quint64 start, int depth)
@@ -93,6 +106,7 @@ QVariant Reader::list(quint64 start, int depth)
     const quint64 width = m_bytes.referenceSize();
     const BinaryPropertyListBytes::Body body = m_bytes.bodyAt(start, width);
     QVariantList elements;
+    elements.reserve(static_cast<qsizetype>(qMin(body.count, kMostElementsExpected)));
     for (quint64 i = 0; i < body.count && !m_bytes.failed(); ++i)
         elements.append(referred(body.start + i * width, depth));
     return elements;
@@ -109,7 +123,7 @@ QVariant Reader::map(quint64 start, int depth)
         const QVariant value = referred(at + body.count * width, depth);
         if (!m_bytes.failed() && key.typeId() != QMetaType::QString)
             return fail(QStringLiteral("a dictionary's key is not a string"));
-        entries.insert(key.toString(), value);
+        entries.insert(entries.cend(), key.toString(), value); // most writers put keys in order
     }
     return entries;
 }

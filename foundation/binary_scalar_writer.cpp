@@ -16,12 +16,19 @@ namespace {
 namespace format = binary_property_list;
 using Kind = PropertyListKind;
 
-void appendMarker(QByteArray& bytes, int type, int low)
+void appendMarker(BinaryBytes& bytes, int type, int low)
 {
     bytes.append(static_cast<char>(type | low));
 }
 
-void appendUnsigned(QByteArray& bytes, quint64 number)
+void appendNumber(BinaryBytes& bytes, quint64 number, int width)
+{
+    const qsizetype start = bytes.size();
+    bytes.resize(start + width);
+    (void)putNumber(bytes.data() + start, number, width);
+}
+
+void appendUnsigned(BinaryBytes& bytes, quint64 number)
 {
     const bool needsSign = number > quint64(std::numeric_limits<qint64>::max());
     const int width = needsSign ? 16 : bytesFor(number);
@@ -31,7 +38,7 @@ void appendUnsigned(QByteArray& bytes, quint64 number)
     appendNumber(bytes, number, qMin(width, 8));
 }
 
-void appendSigned(QByteArray& bytes, qint64 number)
+void appendSigned(BinaryBytes& bytes, qint64 number)
 {
     if (number >= 0)
         return appendUnsigned(bytes, static_cast<quint64>(number));
@@ -39,27 +46,45 @@ void appendSigned(QByteArray& bytes, qint64 number)
     appendNumber(bytes, static_cast<quint64>(number), 8);
 }
 
-void appendDouble(QByteArray& bytes, int type, double number)
+void appendDouble(BinaryBytes& bytes, int type, double number)
 {
     appendMarker(bytes, type, 3);
     appendNumber(bytes, std::bit_cast<quint64>(number), 8);
 }
 
-void appendString(QByteArray& bytes, const QString& text)
+/// Looks at every unit before it answers: that is what compilers turn into few instructions.
+bool isASCII(const QString& text)
 {
-    const auto isASCII = [](QChar c) { return c.unicode() < 0x80; };
-    if (std::all_of(text.begin(), text.end(), isASCII)) {
-        appendCount(bytes, format::ASCII, text.size());
-        bytes.append(text.toLatin1());
-        return;
-    }
+    char16_t bits = 0;
+    for (const QChar unit : text)
+        bits = static_cast<char16_t>(bits | unit.unicode());
+    return bits < 0x80;
+}
+
+void appendASCII(BinaryBytes& bytes, const QString& text)
+{
+    appendCount(bytes, format::ASCII, text.size());
+    const qsizetype start = bytes.size();
+    bytes.resize(start + text.size());
+    std::transform(
+        text.begin(), text.end(), bytes.begin() + start, [](QChar unit) { return static_cast<char>(unit.unicode()); });
+}
+
+void appendUnicode(BinaryBytes& bytes, const QString& text)
+{
     appendCount(bytes, format::Unicode, text.size());
     const qsizetype start = bytes.size();
     bytes.resize(start + 2 * text.size());
     qToBigEndian<quint16>(text.constData(), text.size(), bytes.data() + start);
 }
 
-void appendUID(QByteArray& bytes, PropertyListUID uid)
+void appendData(BinaryBytes& bytes, const QByteArray& data)
+{
+    appendCount(bytes, format::Data, data.size());
+    bytes.append(data.constData(), data.size());
+}
+
+void appendUID(BinaryBytes& bytes, PropertyListUID uid)
 {
     const int width = bytesFor(uid.number);
     appendMarker(bytes, format::UID, width - 1);
@@ -77,13 +102,14 @@ int bytesFor(quint64 number)
     return number <= std::numeric_limits<quint32>::max() ? 4 : 8;
 }
 
-void appendNumber(QByteArray& bytes, quint64 number, int width)
+char* putNumber(char* at, quint64 number, int width)
 {
-    const quint64 bigEndian = qToBigEndian(number);
-    bytes.append(reinterpret_cast<const char*>(&bigEndian) + (8 - width), width);
+    for (int shift = 8 * (width - 1); shift >= 0; shift -= 8)
+        *at++ = static_cast<char>(number >> shift);
+    return at;
 }
 
-void appendCount(QByteArray& bytes, int type, qsizetype count)
+void appendCount(BinaryBytes& bytes, int type, qsizetype count)
 {
     if (count < format::kCountFollows)
         return appendMarker(bytes, type, static_cast<int>(count));
@@ -91,9 +117,13 @@ void appendCount(QByteArray& bytes, int type, qsizetype count)
     appendUnsigned(bytes, static_cast<quint64>(count));
 }
 
-QByteArray encodedBinaryScalar(const QVariant& value, Kind kind)
+void appendBinaryString(BinaryBytes& bytes, const QString& text)
 {
-    QByteArray bytes;
+    isASCII(text) ? appendASCII(bytes, text) : appendUnicode(bytes, text);
+}
+
+void appendBinaryScalar(BinaryBytes& bytes, const QVariant& value, Kind kind)
+{
     switch (kind) {
     case Kind::Null:
         appendMarker(bytes, format::Null, 0);
@@ -114,11 +144,10 @@ QByteArray encodedBinaryScalar(const QVariant& value, Kind kind)
         appendDouble(bytes, format::Date, intervalSinceReferenceDate(value.toDateTime()));
         break;
     case Kind::Data:
-        appendCount(bytes, format::Data, value.toByteArray().size());
-        bytes.append(value.toByteArray());
+        appendData(bytes, value.toByteArray());
         break;
     case Kind::String:
-        appendString(bytes, value.toString());
+        appendBinaryString(bytes, value.toString());
         break;
     case Kind::UID:
         appendUID(bytes, value.value<PropertyListUID>());
@@ -128,7 +157,6 @@ QByteArray encodedBinaryScalar(const QVariant& value, Kind kind)
     case Kind::Map:
         break;
     }
-    return bytes;
 }
 
 } // namespace havrel

@@ -3,41 +3,44 @@
 
 #include "foundation/reference_date.h"
 
-#include <QHash>
+#include <array>
 
 namespace havrel {
 namespace {
 
 using Kind = PropertyListKind;
 
-const QHash<int, Kind>& kindsByType()
+struct KindOfType
 {
-    static const QHash<int, Kind> kKinds{
-        {QMetaType::Nullptr, Kind::Null},
-        {QMetaType::Bool, Kind::Bool},
-        {QMetaType::Char, Kind::Signed},
-        {QMetaType::SChar, Kind::Signed},
-        {QMetaType::Short, Kind::Signed},
-        {QMetaType::Int, Kind::Signed},
-        {QMetaType::Long, Kind::Signed},
-        {QMetaType::LongLong, Kind::Signed},
-        {QMetaType::UChar, Kind::Unsigned},
-        {QMetaType::UShort, Kind::Unsigned},
-        {QMetaType::UInt, Kind::Unsigned},
-        {QMetaType::ULong, Kind::Unsigned},
-        {QMetaType::ULongLong, Kind::Unsigned},
-        {QMetaType::Float, Kind::Real},
-        {QMetaType::Double, Kind::Real},
-        {QMetaType::QDateTime, Kind::Date},
-        {QMetaType::QByteArray, Kind::Data},
-        {QMetaType::QString, Kind::String},
-        {QMetaType::QVariantList, Kind::List},
-        {QMetaType::QStringList, Kind::List},
-        {QMetaType::QVariantMap, Kind::Map},
-        {QMetaType::QVariantHash, Kind::Map},
-        {qMetaTypeId<PropertyListUID>(), Kind::UID},
-    };
-    return kKinds;
+    QMetaType::Type type;
+    Kind kind;
+};
+
+constexpr auto kKindsOfTypes = std::to_array<KindOfType>({
+    {QMetaType::Nullptr, Kind::Null},       {QMetaType::Bool, Kind::Bool},        {QMetaType::Char, Kind::Signed},
+    {QMetaType::SChar, Kind::Signed},       {QMetaType::Short, Kind::Signed},     {QMetaType::Int, Kind::Signed},
+    {QMetaType::Long, Kind::Signed},        {QMetaType::LongLong, Kind::Signed},  {QMetaType::UChar, Kind::Unsigned},
+    {QMetaType::UShort, Kind::Unsigned},    {QMetaType::UInt, Kind::Unsigned},    {QMetaType::ULong, Kind::Unsigned},
+    {QMetaType::ULongLong, Kind::Unsigned}, {QMetaType::Float, Kind::Real},       {QMetaType::Double, Kind::Real},
+    {QMetaType::QDateTime, Kind::Date},     {QMetaType::QByteArray, Kind::Data},  {QMetaType::QString, Kind::String},
+    {QMetaType::QVariantList, Kind::List},  {QMetaType::QStringList, Kind::List}, {QMetaType::QVariantMap, Kind::Map},
+    {QMetaType::QVariantHash, Kind::Map},
+});
+
+/// By the number of a type that the toolkit itself knows.
+constexpr auto kKinds = [] {
+    std::array<Kind, QMetaType::LastCoreType + 1> kinds{};
+    for (const KindOfType& each : kKindsOfTypes)
+        kinds[each.type] = each.kind;
+    return kinds;
+}();
+static_assert(kKinds[QMetaType::UnknownType] == Kind::None);
+
+Kind kindOfType(int type)
+{
+    if (static_cast<std::size_t>(type) < kKinds.size())
+        return kKinds[static_cast<std::size_t>(type)];
+    return type == qMetaTypeId<PropertyListUID>() ? Kind::UID : Kind::None;
 }
 
 bool isWritable(const QDateTime& date)
@@ -49,7 +52,7 @@ bool isWritable(const QDateTime& date)
 
 PropertyListKind propertyListKindOf(const QVariant& value)
 {
-    const Kind kind = kindsByType().value(value.typeId(), Kind::None);
+    const Kind kind = kindOfType(value.typeId());
     return kind == Kind::Date && !isWritable(value.toDateTime()) ? Kind::None : kind;
 }
 

@@ -172,6 +172,16 @@ TEST(BinaryPropertyList, KeepsTheLastOfTwoEqualKeys)
     EXPECT_EQ(spelled(parsePropertyList(bytes).value), spelled(QVariantMap{{QStringLiteral("a"), qlonglong(2)}}));
 }
 
+TEST(BinaryPropertyList, KeepsALongTextThatIsReferredToTwiceOnceInMemory)
+{
+    const QString text(1000, u'x');
+
+    const QVariantList read = parsePropertyList(binaryPropertyList(QVariantList{text, text}).bytes).value.toList();
+
+    ASSERT_EQ(read, QVariantList({text, text}));
+    EXPECT_EQ(read[0].toString().constData(), read[1].toString().constData());
+}
+
 TEST(BinaryPropertyList, ReadsAContainerThatIsReferredToTwice)
 {
     const QByteArray bytes = listOfObjects({"a20101"_x, "a102"_x, kTrue});

@@ -59,6 +59,17 @@ TEST(PropertyListJudgedByPython, HasTheSameBinaryBytes)
     EXPECT_EQ(rewrittenByPython(ours, "FMT_BINARY").toHex(), ours.toHex());
 }
 
+TEST(PropertyListJudgedByPython, HasTheSameBinaryBytesWithMoreObjectsThanTwoBytesCount)
+{
+    QVariantList list;
+    for (int i = 0; i < 100'000; ++i)
+        list << (i % 2 == 0 ? QVariant(text("text %1").arg(i / 4)) : QVariant(i));
+
+    const QByteArray ours = binaryPropertyList(list).bytes;
+
+    EXPECT_TRUE(rewrittenByPython(ours, "FMT_BINARY") == ours);
+}
+
 TEST(PropertyListJudgedByPython, MeansTheSameFromBinaryToXML)
 {
     const PropertyListReading read =
