@@ -10,7 +10,6 @@
 #include "filters/capture_preferences_attribute.h"
 #include "foundation/error.h"
 #include "foundation/property_list.h"
-#include "platform/file_names.h"
 
 #include <algorithm>
 #include <array>
@@ -190,7 +189,7 @@ QString store(const QByteArray& path, const QVariantMap& dictionary, bool force)
         return record.error->localizedDescription();
     const QString fault = storePreferences(path, record.bytes, force);
     if (fault.isNull())
-        attribute::warnOfLostRecord(platform::textOfFileName(path), record.bytes.size());
+        attribute::warnOfLostRecord(path, record.bytes.size());
     return fault;
 }
 

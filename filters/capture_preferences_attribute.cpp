@@ -4,6 +4,7 @@
 #include "diagnostics/logr.h"
 #include "foundation/dictionary_additions.h"
 #include "foundation/property_list.h"
+#include "platform/file_names.h"
 
 #include <algorithm>
 #include <array>
@@ -80,13 +81,13 @@ bool hasUnknownTreatment(const QVariantMap& dictionary)
            });
 }
 
-void warnOfLostRecord(const QString& path, qsizetype size)
+void warnOfLostRecord(const QByteArray& path, qsizetype size)
 {
     if (size <= kMostBytesRead)
         return;
     Logr::log(LogClassification::Caution,
               QStringLiteral("capture preferences of %1 take %2 bytes; readers take %3, so they have no effect")
-                  .arg(path, QString::number(size), QString::number(kMostBytesRead)));
+                  .arg(platform::textOfFileName(path), QString::number(size), QString::number(kMostBytesRead)));
 }
 
 } // namespace havrel::capture_preferences_attribute

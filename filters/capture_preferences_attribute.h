@@ -67,7 +67,7 @@ struct Reading
 /// Logs a Caution when a record of \p size bytes, just written to the item at \p path, is longer than readers take.
 ///
 /// Threads: any thread.
-void warnOfLostRecord(const QString& path, qsizetype size);
+void warnOfLostRecord(const QByteArray& path, qsizetype size);
 
 } // namespace capture_preferences_attribute
 } // namespace havrel

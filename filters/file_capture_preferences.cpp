@@ -35,16 +35,16 @@ const QString kPatterns = QStringLiteral("patterns");
 struct StoredOption
 {
     CaptureOption option;
-    QLatin1StringView capture;
+    QString capture;
     bool contents;
 };
 
-constexpr auto kStoredOptions = std::to_array<StoredOption>({
-    {CaptureOption::Exclude, QLatin1StringView("exclude"), false},
-    {CaptureOption::ExcludeContents, QLatin1StringView("exclude"), true},
-    {CaptureOption::IgnoreChanges, QLatin1StringView("ignore"), false},
-    {CaptureOption::Scrape, QLatin1StringView("scrape"), false},
-    {CaptureOption::ScrapeContents, QLatin1StringView("scrape"), true},
+const auto kStoredOptions = std::to_array<StoredOption>({
+    {CaptureOption::Exclude, QStringLiteral("exclude"), false},
+    {CaptureOption::ExcludeContents, QStringLiteral("exclude"), true},
+    {CaptureOption::IgnoreChanges, QStringLiteral("ignore"), false},
+    {CaptureOption::Scrape, QStringLiteral("scrape"), false},
+    {CaptureOption::ScrapeContents, QStringLiteral("scrape"), true},
 });
 
 StoredOption storedOption(CaptureOption option)
@@ -52,7 +52,7 @@ StoredOption storedOption(CaptureOption option)
     for (const StoredOption& each : kStoredOptions)
         if (each.option == option)
             return each;
-    return {option, QLatin1StringView("invalid"), false};
+    return {option, QStringLiteral("invalid"), false};
 }
 
 bool isExcluding(CaptureOption option)
@@ -73,11 +73,34 @@ DurationScale scaleFrom(const QVariantMap& properties)
 /// The texts among the elements; a value that is no list has none.
 QStringList textsOf(const QVariant& value)
 {
+    const QVariantList elements = value.toList();
     QStringList texts;
-    for (const QVariant& each : value.toList())
+    texts.reserve(elements.size());
+    for (const QVariant& each : elements)
         if (each.typeId() == QMetaType::QString)
             texts.append(each.toString());
     return texts;
+}
+
+/// Those of the valid ones.
+QStringList canonicalLines(const QStringList& readLines)
+{
+    QStringList lines;
+    lines.reserve(readLines.size());
+    for (const QString& each : readLines)
+        if (const std::optional<PatternLine> line = validPatternLine(each, AbsolutePaths::Refused))
+            lines.append(canonicalTextOf(*line));
+    return lines;
+}
+
+QStringList canonicalLines(const PatternFilterDefs& definitions)
+{
+    QStringList lines;
+    lines.reserve(definitions.size());
+    for (const PatternFilterDefPtr& each : definitions)
+        if (each->valid())
+            lines.append(each->canonicalPattern());
+    return lines;
 }
 
 QString readableMinute(quint64 minute)
@@ -159,7 +182,7 @@ void writeRecord(const JNPath& path, const QVariantMap& properties)
     const int error = platform::writeAttribute(path.cPath(), attribute::kNameOnDisk, record.bytes);
     if (error != 0)
         HVException::ioErrno(error, reason).setPathObject(path).raise();
-    attribute::warnOfLostRecord(path.path(), record.bytes.size());
+    attribute::warnOfLostRecord(path.cPath(), record.bytes.size());
 }
 
 void removeRecord(const JNPath& path)
@@ -188,7 +211,7 @@ QVariantMap FileCapturePreferences::properties() const
     QVariantMap properties;
     if (option != CaptureOption::Normal) {
         const StoredOption stored = storedOption(option);
-        properties.insert(key::kCapture, QString(stored.capture));
+        properties.insert(key::kCapture, stored.capture);
         if (stored.contents)
             setBool(properties, true, key::kContents);
     }
@@ -232,13 +255,8 @@ void FileCapturePreferences::setExcludeFilterDefs(const std::optional<PatternFil
 
 std::optional<QStringList> FileCapturePreferences::excludeFiltersAsStrings() const
 {
-    QStringList lines;
-    for (const QString& each : m_readLines.value_or(QStringList()))
-        if (const std::optional<PatternLine> line = validPatternLine(each, AbsolutePaths::Refused))
-            lines.append(canonicalTextOf(*line));
-    for (const PatternFilterDefPtr& each : m_excludeFilterDefs.value_or(PatternFilterDefs()))
-        if (each->valid())
-            lines.append(each->canonicalPattern());
+    const QStringList lines =
+        m_readLines ? canonicalLines(*m_readLines) : canonicalLines(m_excludeFilterDefs.value_or(PatternFilterDefs()));
     return lines.isEmpty() ? std::nullopt : std::optional(lines);
 }
 

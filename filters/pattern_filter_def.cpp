@@ -35,7 +35,7 @@ PatternFilterDef::PatternFilterDef()
 PatternFilterDef::PatternFilterDef(PatternType type)
     : PatternFilterDef()
 {
-    m_type = type;
+    m_line.options.type = type;
 }
 
 PatternFilterDef::PatternFilterDef(const QString& pattern)
@@ -61,7 +61,7 @@ bool PatternFilterDef::compile()
         return fail(patternFaultText(fault), false);
     if (const PatternFault fault = faultOfSinglePattern(m_singlePattern); fault != PatternFault::None)
         return fail(patternFaultText(fault), true);
-    return compileLine(completeTextOf({m_anchorPath, m_singlePattern, {m_depth, m_type}}));
+    return compileLine(completeTextOf({m_anchorPath, m_singlePattern, m_line.options}));
 }
 
 bool PatternFilterDef::compileLine(QStringView text)
@@ -70,11 +70,11 @@ bool PatternFilterDef::compileLine(QStringView text)
     takeOver(reading);
     if (reading.fault != PatternFault::None)
         return fail(patternFaultText(reading.fault), reading.reachedOptions);
-    m_effectiveDepth = static_cast<quint64>(reading.line.components.size()) + m_depth - 1;
+    m_effectiveDepth = static_cast<quint64>(reading.line.components.size()) + m_line.options.depth - 1;
     if (!validateComponents(reading.line))
         return false;
-    m_components = std::move(reading.line.components);
-    m_patternComponents = std::move(reading.line.patternComponents);
+    m_line.components = std::move(reading.line.components);
+    m_line.patternComponents = std::move(reading.line.patternComponents);
     return true;
 }
 
@@ -83,16 +83,16 @@ void PatternFilterDef::takeOver(const PatternLineReading& reading)
 {
     if (reading.fault == PatternFault::Incomplete)
         return;
-    m_absolute = reading.line.absolute;
-    m_type = reading.line.options.type;
+    m_line.absolute = reading.line.absolute;
+    m_line.options.type = reading.line.options.type;
     if (reading.reachedOptions)
-        m_depth = reading.line.options.depth;
+        m_line.options.depth = reading.line.options.depth;
 }
 
 bool PatternFilterDef::validateComponents(const PatternLine& line)
 {
     for (const IndexSet::Index index : line.patternComponents) {
-        const Validity validity = validPattern(line.components[static_cast<qsizetype>(index)], m_type);
+        const Validity validity = validPattern(line.components[static_cast<qsizetype>(index)], m_line.options.type);
         if (!validity)
             return fail(validity.error->localizedDescription(), true);
     }
@@ -108,8 +108,8 @@ bool PatternFilterDef::fail(const QString& description, bool inPattern)
 
 void PatternFilterDef::uncompile()
 {
-    m_components.clear();
-    m_patternComponents = {};
+    m_line.components.clear();
+    m_line.patternComponents = {};
     m_compileFailureDescription.clear();
 }
 
@@ -124,7 +124,7 @@ QString PatternFilterDef::canonicalPattern()
 {
     if (!valid())
         return QLatin1StringView{""};
-    return canonicalTextOf({m_components, m_patternComponents, {m_depth, m_type}, m_absolute});
+    return canonicalTextOf(m_line);
 }
 
 bool PatternFilterDef::simplify()
@@ -133,16 +133,18 @@ bool PatternFilterDef::simplify()
         return true;
     if (!valid() || !isSimplifiable())
         return false;
-    m_anchorPath = QLatin1StringView{m_absolute ? "/" : ""} + m_components.first(m_components.size() - 1).join(u'/');
-    m_singlePattern = m_components.constLast();
+    m_anchorPath = QLatin1StringView{m_line.absolute ? "/" : ""} +
+                   m_line.components.first(m_line.components.size() - 1).join(u'/');
+    m_singlePattern = m_line.components.constLast();
     m_completePattern = QString();
     return true;
 }
 
 bool PatternFilterDef::isSimplifiable() const
 {
-    const auto last = static_cast<IndexSet::Index>(m_components.size()) - 1;
-    return m_patternComponents == IndexSet{last} && (m_depth == 0 || m_depth == kIndefiniteDepth);
+    const auto last = static_cast<IndexSet::Index>(m_line.components.size()) - 1;
+    return m_line.patternComponents == IndexSet{last} &&
+           (m_line.options.depth == 0 || m_line.options.depth == kIndefiniteDepth);
 }
 
 Validity PatternFilterDef::validateCompletePattern(const QString& proposed) const
@@ -174,7 +176,7 @@ void PatternFilterDef::setRooted(bool rooted)
 void PatternFilterDef::setType(PatternType type)
 {
     const int before = typeNumber();
-    m_type = type;
+    m_line.options.type = type;
     if (before != typeNumber())
         reportChange("type", {.kind = ChangeKind::Setting, .oldValue = before, .newValue = typeNumber()});
 }
@@ -196,13 +198,13 @@ void PatternFilterDef::setSinglePattern(const QString& singlePattern)
 
 bool PatternFilterDef::propagateIndefinitely() const noexcept
 {
-    return m_depth == kIndefiniteDepth;
+    return m_line.options.depth == kIndefiniteDepth;
 }
 
 void PatternFilterDef::setPropagateIndefinitely(bool indefinitely)
 {
     const bool before = propagateIndefinitely();
-    m_depth = indefinitely ? kIndefiniteDepth : 0;
+    m_line.options.depth = indefinitely ? kIndefiniteDepth : 0;
     if (before != indefinitely)
         reportChange("propagateIndefinitely",
                      {.kind = ChangeKind::Setting, .oldValue = before, .newValue = indefinitely});
@@ -221,13 +223,11 @@ std::shared_ptr<FilterDefinition> PatternFilterDef::makeCopy()
 PatternFilterDefPtr PatternFilterDef::plainCopy() const
 {
     auto copy = std::make_shared<PatternFilterDef>();
-    copy->m_components = m_components;
-    copy->m_patternComponents = m_patternComponents;
+    copy->m_line = m_line;
+    copy->m_line.absolute = false;
     copy->m_completePattern = m_completePattern;
     copy->m_anchorPath = m_anchorPath;
     copy->m_singlePattern = m_singlePattern;
-    copy->m_depth = m_depth;
-    copy->m_type = m_type;
     copy->m_rooted = m_rooted;
     return copy;
 }
@@ -241,14 +241,14 @@ bool PatternFilterDef::isEqual(const FilterDefinition& other) const
         return false;
     if (!simple())
         return m_completePattern == same.m_completePattern;
-    return m_type == same.m_type && m_depth == same.m_depth && areSameTexts(m_anchorPath, same.m_anchorPath) &&
+    return m_line.options == same.m_line.options && areSameTexts(m_anchorPath, same.m_anchorPath) &&
            areSameTexts(m_singlePattern, same.m_singlePattern);
 }
 
 std::size_t PatternFilterDef::hash() const noexcept
 {
-    const auto type = static_cast<std::size_t>(m_type) << 8U;
-    return qHash(m_components, 0) ^ qHash(m_patternComponents, 0) ^ type ^ m_depth;
+    const auto type = static_cast<std::size_t>(m_line.options.type) << 8U;
+    return qHash(m_line.components, 0) ^ qHash(m_line.patternComponents, 0) ^ type ^ m_line.options.depth;
 }
 
 } // namespace havrel

@@ -80,7 +80,7 @@ public:
     [[nodiscard]] bool compile();
     void uncompile();                                ///< Forgets what compile found. \selector uncompile
     [[nodiscard]] bool valid() { return compile(); } ///< \selector valid
-    [[nodiscard]] bool compiled() const noexcept { return !m_components.isEmpty(); } ///< \selector compiled
+    [[nodiscard]] bool compiled() const noexcept { return !m_line.components.isEmpty(); } ///< \selector compiled
     /// Why the last compilation failed; none when it did not. \selector compilationError
     [[nodiscard]] std::optional<Error> compilationError() const;
     /// The line in its usual form, empty when not valid. It does not always read back as the same pattern, see
@@ -102,9 +102,9 @@ public:
     [[nodiscard]] Validity validateSinglePattern(const QString& proposed) const;
 
     /// The names and patterns without the options; empty while not compiled. \selector components
-    [[nodiscard]] const QStringList& components() const noexcept { return m_components; }
+    [[nodiscard]] const QStringList& components() const noexcept { return m_line.components; }
     /// Which of the components are patterns; empty while not compiled. \selector patternComponents
-    [[nodiscard]] const IndexSet& patternComponents() const noexcept { return m_patternComponents; }
+    [[nodiscard]] const IndexSet& patternComponents() const noexcept { return m_line.patternComponents; }
     /// Null when the last compilation did not fail. \selector compileFailureDescription
     [[nodiscard]] const QString& compileFailureDescription() const noexcept { return m_compileFailureDescription; }
     /// The last failure lies in the pattern, not in the anchor. \selector errorInPattern
@@ -113,9 +113,9 @@ public:
     [[nodiscard]] bool rooted() const noexcept { return m_rooted; } ///< absolute paths are permitted. \selector rooted
     void setRooted(bool rooted);                                    ///< \selector setRooted:
     /// As the last compilation found; a copy has lost it. \selector absolute
-    [[nodiscard]] bool absolute() const noexcept { return m_absolute; }
-    [[nodiscard]] PatternType type() const noexcept { return m_type; } ///< \selector type
-    void setType(PatternType type);                                    ///< Leaves what is compiled. \selector setType:
+    [[nodiscard]] bool absolute() const noexcept { return m_line.absolute; }
+    [[nodiscard]] PatternType type() const noexcept { return m_line.options.type; } ///< \selector type
+    void setType(PatternType type); ///< Leaves what is compiled. \selector setType:
     /// Null in simple form. \selector completePattern
     [[nodiscard]] const QString& completePattern() const noexcept { return m_completePattern; }
     /// \selector setCompletePattern:
@@ -125,7 +125,7 @@ public:
     [[nodiscard]] const QString& singlePattern() const noexcept { return m_singlePattern; } ///< \selector singlePattern
     void setSinglePattern(const QString& singlePattern); ///< \selector setSinglePattern:
     /// Levels below the matched item; kIndefiniteDepth for all. \selector depth
-    [[nodiscard]] quint64 depth() const noexcept { return m_depth; }
+    [[nodiscard]] quint64 depth() const noexcept { return m_line.options.depth; }
     /// Number of components + depth - 1, wrapping; as the last compilation found. \selector effectiveDepth
     [[nodiscard]] quint64 effectiveDepth() const noexcept { return m_effectiveDepth; }
 
@@ -133,7 +133,10 @@ public:
     [[nodiscard]] bool propagateIndefinitely() const noexcept; ///< \selector propagateIndefinitely
     /// Makes the depth indefinite, or 0. \selector setPropagateIndefinitely:
     void setPropagateIndefinitely(bool indefinitely);
-    [[nodiscard]] QString typeSuffix() const { return typeSuffixOf(m_type); } ///< "re" or "glob". \selector typeSuffix
+    [[nodiscard]] QString typeSuffix() const
+    {
+        return typeSuffixOf(m_line.options.type);
+    } ///< "re" or "glob". \selector typeSuffix
     /// \selector multiplePatternsPlaceholder
     [[nodiscard]] virtual bool multiplePatternsPlaceholder() const noexcept { return false; }
 
@@ -152,7 +155,7 @@ protected:
 
 private:
     [[nodiscard]] PatternFilterDefPtr plainCopy() const;
-    [[nodiscard]] int typeNumber() const noexcept { return static_cast<int>(m_type); }
+    [[nodiscard]] int typeNumber() const noexcept { return static_cast<int>(m_line.options.type); }
     void setTypeNumber(int type) { setType(static_cast<PatternType>(type)); }
 
     void encodeSimpleForm(Encoder& encoder) const;
@@ -162,18 +165,14 @@ private:
     bool fail(const QString& description, bool inPattern);
     [[nodiscard]] bool isSimplifiable() const;
 
-    QStringList m_components; // never empty while compiled
-    IndexSet m_patternComponents;
+    PatternLine m_line; // has components while compiled, and only then; its options count always
     QString m_compileFailureDescription;
     QString m_completePattern;
     QString m_anchorPath;
     QString m_singlePattern;
-    quint64 m_depth = 0;
     quint64 m_effectiveDepth = 0;
-    PatternType m_type = PatternType::Glob;
     bool m_errorInPattern = false;
     bool m_rooted = false;
-    bool m_absolute = false;
 };
 
 } // namespace havrel

@@ -33,8 +33,8 @@ PatternFilterDef::PatternFilterDef(Decoder& decoder)
     m_completePattern = decodeText(decoder, kCompleteKey);
     m_anchorPath = decodeText(decoder, kAnchorKey);
     m_singlePattern = decodeText(decoder, kSingleKey);
-    m_type = static_cast<PatternType>(static_cast<qint32>(decoder.decodeInteger(kTypeKey)));
-    m_depth = static_cast<quint64>(decoder.decodeInteger(kDepthKey));
+    m_line.options.type = static_cast<PatternType>(static_cast<qint32>(decoder.decodeInteger(kTypeKey)));
+    m_line.options.depth = static_cast<quint64>(decoder.decodeInteger(kDepthKey));
 }
 
 void PatternFilterDef::encodeWithCoder(Encoder& encoder) const
@@ -50,8 +50,8 @@ void PatternFilterDef::encodeSimpleForm(Encoder& encoder) const
 {
     encoder.encodeObject(archivable(m_anchorPath), kAnchorKey);
     encoder.encodeObject(archivable(m_singlePattern), kSingleKey);
-    encoder.encodeInteger(static_cast<qint32>(m_type), kTypeKey);
-    encoder.encodeInteger(static_cast<qint64>(m_depth), kDepthKey);
+    encoder.encodeInteger(static_cast<qint32>(m_line.options.type), kTypeKey);
+    encoder.encodeInteger(static_cast<qint64>(m_line.options.depth), kDepthKey);
 }
 
 } // namespace havrel

@@ -101,6 +101,17 @@ private:
     bool m_inPatterns = false; // what comes next is a pattern
 };
 
+/// Room for the text of \p line.
+qsizetype mostUnitsOf(const PatternLine& line)
+{
+    constexpr qsizetype kMostSlashes = 2;  // before a component, and before the options
+    constexpr qsizetype kMostOptions = 25; // the greatest depth, and ":glob"
+    qsizetype units = 1 + kMostSlashes + kMostOptions;
+    for (const QString& component : line.components)
+        units += kMostSlashes + component.size();
+    return units;
+}
+
 } // namespace
 
 PatternLineReading readPatternLine(QStringView text, AbsolutePaths absolutePaths)
@@ -111,6 +122,7 @@ PatternLineReading readPatternLine(QStringView text, AbsolutePaths absolutePaths
 QString canonicalTextOf(const PatternLine& line)
 {
     QString text;
+    text.reserve(mostUnitsOf(line));
     if (line.absolute)
         text += u'/';
     bool wasPattern = false;
@@ -127,7 +139,7 @@ QString canonicalTextOf(const PatternLine& line)
         wasPattern = isPattern;
     }
     if (line.options != PatternOptions{})
-        text += (wasPattern ? QLatin1StringView{"/"} : QLatin1StringView{"//"}) + textOf(line.options);
+        text.append(wasPattern ? QLatin1StringView{"/"} : QLatin1StringView{"//"}).append(textOf(line.options));
     return text;
 }
 

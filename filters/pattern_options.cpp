@@ -86,7 +86,7 @@ QString textOf(const PatternOptions& options)
         text = u'+';
     else if (options.depth != 0)
         text = QString::number(options.depth);
-    return text + u':' + typeSuffixOf(options.type);
+    return text.append(u':').append(typeSuffixOf(options.type));
 }
 
 QString typeSuffixOf(PatternType type)
