@@ -1,13 +1,14 @@
 # SPDX-License-Identifier: MIT
-# add_module(<name> SOURCES ... [LINKS <module>...] [EXTERNAL <target>...])
+# add_module(<name> SOURCES ... [FORMS <form>.ui...] [LINKS <module>...] [EXTERNAL <target>...])
 #
 # One call makes one room of the house: library havrel::<name>, its warning flags, its place in the order of the floors
 # (a module may link only modules that were added before it), and a check that every header compiles alone.
-# Sources are given relative to the root, because one module may stand in more than one folder.
+# Sources are given relative to the root, because one module may stand in more than one folder. A source includes the
+# form resources/Name.ui as <ui_Name.h>.
 set_property(GLOBAL PROPERTY HAVREL_LAYERS "")
 
 function(add_module name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;EXTERNAL" ${ARGN})
+    cmake_parse_arguments(ARG "" "" "SOURCES;FORMS;LINKS;EXTERNAL" ${ARGN})
     get_property(layers GLOBAL PROPERTY HAVREL_LAYERS)
     foreach(dep IN LISTS ARG_LINKS)
         if(NOT dep IN_LIST layers)
@@ -15,7 +16,11 @@ function(add_module name)
         endif()
     endforeach()
     list(TRANSFORM ARG_SOURCES PREPEND "${PROJECT_SOURCE_DIR}/")
-    add_library(${name} STATIC ${ARG_SOURCES})
+    list(TRANSFORM ARG_FORMS PREPEND "${PROJECT_SOURCE_DIR}/")
+    add_library(${name} STATIC ${ARG_SOURCES} ${ARG_FORMS})
+    if(ARG_FORMS)
+        set_target_properties(${name} PROPERTIES AUTOUIC ON AUTOUIC_SEARCH_PATHS "${PROJECT_SOURCE_DIR}/resources")
+    endif()
     add_library(havrel::${name} ALIAS ${name})
     set_target_properties(${name} PROPERTIES OUTPUT_NAME havrel_${name})
     target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
