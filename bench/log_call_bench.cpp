@@ -25,7 +25,7 @@ using havrel::LogClassification;
 using havrel::Logr;
 using SteadyClock = std::chrono::steady_clock;
 
-constexpr int kRounds = 15;
+constexpr int kRounds = 5;
 constexpr int kCalls = 9000; // a round; the rate limiter does not interfere before 10,000
 constexpr auto kPause = std::chrono::microseconds(5);
 

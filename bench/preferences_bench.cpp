@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// What reading and writing the capture preferences of 10,000 items costs, beside the bare system calls on the same
-// items. Both take turns in one run; times are wall-clock medians over the rounds, because the kernel's part counts.
+// What writing, reading and removing the capture preferences of 10,000 items costs, beside the bare system calls on the
+// same items. Both take turns in one run; times are wall-clock medians over the rounds, because the kernel's part
+// counts.
 //
 // usage: preferences_bench [FOLDER]     where the items are made and removed; the default is $TMPDIR
 #include "filters/capture_preferences_attribute.h"
@@ -84,11 +85,16 @@ struct Times
     double bare, ours;
 };
 
-Times compare(const ManyItems& items, const Work& bare, const Work& ours)
+void doNothing(const QByteArray& /*path*/) {}
+
+/// \p before puts each item into the state that the work wants, untimed.
+Times compare(const ManyItems& items, const Work& bare, const Work& ours, const Work& before = doNothing)
 {
     std::array<std::vector<double>, 2> samples;
     for (int round = 0; round < kRounds; ++round) {
+        secondsFor(items, before);
         samples[0].push_back(secondsFor(items, bare));
+        secondsFor(items, before);
         samples[1].push_back(secondsFor(items, ours));
     }
     return {median(samples[0]), median(samples[1])};
@@ -135,6 +141,27 @@ void measure(const ManyItems& items, const char* kind, const FileCapturePreferen
     print(kind, "both", {writing.bare + reading.bare, writing.ours + reading.ours});
 }
 
+void bareRemove(const QByteArray& path)
+{
+    if (::lgetxattr(path.constData(), kName, nullptr, 0) <= 0 || ::lremovexattr(path.constData(), kName) != 0)
+        std::abort();
+}
+
+void ourRemove(const QByteArray& path)
+{
+    static const FileCapturePreferences s_nothing;
+    s_nothing.setPreferencesAtPath(*JNPath::withCPath(path));
+}
+
+void measureRemoving(const ManyItems& items)
+{
+    const auto write = [](const QByteArray& path) {
+        if (::lsetxattr(path.constData(), kName, "any", 3, 0) != 0)
+            std::abort();
+    };
+    print("whatever there is", "removing", compare(items, bareRemove, ourRemove, write));
+}
+
 FileCapturePreferences withPatterns(std::initializer_list<const char*> lines)
 {
     FileCapturePreferences preferences;
@@ -156,5 +183,6 @@ int main(int argc, char** argv)
     measure(items, "an option", withPatterns({}));
     measure(items, "and one pattern", withPatterns({"//*.tmp"}));
     measure(items, "and four patterns", withPatterns({"//*.tmp", "Library//Caches*", "//*.o/+", "build//^a+$/:re"}));
+    measureRemoving(items);
     return 0;
 }

@@ -69,10 +69,10 @@ def main():
     for title, record in RECORDS.items():
         with tempfile.TemporaryDirectory(prefix="havrel-bench-", dir=where) as folder:
             paths = make_files(folder, record)
-            one = medians({"empty program": [empty], "show": show + paths[:1]}, 101)
+            one = medians({"empty program": [empty], "show": show + paths[:1]}, 51)
             report("one file", one)
             many = medians({"getfattr": ["getfattr", "-h", "--absolute-names", "-n", ATTRIBUTE] + paths,
-                            "show": show + paths, "show --json": show + ["--json"] + paths}, 11)
+                            "show": show + paths, "show --json": show + ["--json"] + paths}, 7)
             report(f"{FILES} files, {title}", many)
 
 
