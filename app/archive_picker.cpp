@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: MIT
+#include "app/archive_picker.h"
+
+namespace havrel {
+
+ArchivePicker::~ArchivePicker() = default;
+
+} // namespace havrel
