@@ -2,12 +2,12 @@
 #include "platform/journal.h"
 
 #include "platform/file_names.h"
+#include "platform/systemd_library.h"
 
 #include <array>
 #include <cerrno>
 #include <memory>
 
-#include <dlfcn.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
@@ -16,15 +16,10 @@ namespace {
 
 constexpr const char* kJournalSocket = "/run/systemd/journal/socket"; // sd_journal_sendv keeps silent without it
 
-/// The library is loaded with the first message: it and what it needs would cost every start of the tool a sixth of its
-/// time, for messages that most runs never send. Null where it is not installed.
 auto librarySend()
 {
     using Send = int (*)(const iovec* fields, int count);
-    static const auto s_send = [] {
-        void* library = ::dlopen("libsystemd.so.0", RTLD_NOW | RTLD_LOCAL);
-        return library == nullptr ? nullptr : reinterpret_cast<Send>(::dlsym(library, "sd_journal_sendv"));
-    }();
+    static const auto s_send = reinterpret_cast<Send>(systemdSymbol("sd_journal_sendv"));
     return s_send;
 }
 

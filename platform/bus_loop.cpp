@@ -1,0 +1,249 @@
+// SPDX-License-Identifier: MIT
+#include "platform/bus_loop.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <ctime>
+#include <system_error>
+
+#include <poll.h>
+#include <pthread.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+namespace havrel::platform {
+namespace {
+
+/// Signals are for the threads of the program.
+void blockSignals()
+{
+    sigset_t all;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_BLOCK, &all, nullptr);
+}
+
+uint64_t monotonicMicroseconds()
+{
+    timespec now{};
+    ::clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<uint64_t>(now.tv_sec) * 1'000'000 + static_cast<uint64_t>(now.tv_nsec) / 1'000;
+}
+
+} // namespace
+
+BusHeld::~BusHeld() = default;
+
+void BusHeld::lost(int) {}
+
+BusLoop::BusLoop(Task disconnected)
+    : m_disconnected(std::move(disconnected))
+    , m_wake(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+{
+}
+
+BusLoop::~BusLoop()
+{
+    stop();
+}
+
+int BusLoop::start(const QByteArray& address, std::chrono::milliseconds limit)
+{
+    if (busLibrary() == nullptr)
+        return ENOSYS;
+    if (!m_wake.isOpen())
+        return EMFILE;
+    m_ending = false;
+    auto greeting = m_greeting.get_future();
+    try {
+        m_thread = std::thread([this, address] { live(address); });
+    } catch (const std::system_error& error) {
+        m_ending = true;
+        return error.code().value();
+    }
+    const bool came = greeting.wait_for(limit) == std::future_status::ready;
+    const int error = came ? greeting.get() : ETIMEDOUT;
+    if (error != 0)
+        stop();
+    return error;
+}
+
+void BusLoop::stop()
+{
+    if (!m_thread.joinable())
+        return;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_ending = true;
+    }
+    ::eventfd_write(m_wake.get(), 1);
+    m_thread.join();
+}
+
+bool BusLoop::post(Task task)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_ending)
+            return false;
+        m_tasks.push_back(std::move(task));
+        if (m_tasks.size() > 1)
+            return true; // it has been woken
+    }
+    ::eventfd_write(m_wake.get(), 1);
+    return true;
+}
+
+bool BusLoop::run(const Task& task)
+{
+    if (isCurrent()) {
+        task();
+        return true;
+    }
+    std::promise<void> done;
+    if (!post([&] {
+            task();
+            done.set_value();
+        }))
+        return false;
+    done.get_future().wait();
+    return true;
+}
+
+quint64 BusLoop::hold(std::unique_ptr<BusHeld> held)
+{
+    m_held.emplace(++m_lastNumber, std::move(held));
+    return m_lastNumber;
+}
+
+std::unique_ptr<BusHeld> BusLoop::release(quint64 number)
+{
+    auto node = m_held.extract(number);
+    return node.empty() ? nullptr : std::move(node.mapped());
+}
+
+BusHeld* BusLoop::held(quint64 number) const
+{
+    const auto found = m_held.find(number);
+    return found == m_held.end() ? nullptr : found->second.get();
+}
+
+void BusLoop::live(const QByteArray& address)
+{
+    m_id = std::this_thread::get_id();
+    blockSignals();
+    ::pthread_setname_np(::pthread_self(), "bus");
+    if (const int error = open(address); error != 0)
+        lose(error);
+    while (!isOver()) {
+        runTasks();
+        process();
+        wait();
+    }
+    runTasks();
+    lose(ECANCELED);
+    m_id = std::thread::id();
+}
+
+int BusLoop::open(const QByteArray& address)
+{
+    const BusLibrary& library = *busLibrary();
+    int result = 0;
+    if (address.isEmpty()) {
+        result = library.sd_bus_open_user(&m_bus);
+    } else {
+        result = library.sd_bus_new(&m_bus);
+        if (result >= 0)
+            result = library.sd_bus_set_address(m_bus, address.constData());
+        if (result >= 0)
+            result = library.sd_bus_set_bus_client(m_bus, 1);
+        if (result >= 0)
+            result = library.sd_bus_start(m_bus);
+    }
+    return result < 0 ? -result : 0;
+}
+
+bool BusLoop::isOver()
+{
+    const std::lock_guard lock(m_mutex);
+    return m_ending;
+}
+
+void BusLoop::runTasks()
+{
+    std::vector<Task> tasks;
+    {
+        const std::lock_guard lock(m_mutex);
+        tasks.swap(m_tasks);
+    }
+    for (const Task& each : tasks)
+        each();
+}
+
+void BusLoop::process()
+{
+    while (m_bus != nullptr) {
+        const int result = busLibrary()->sd_bus_process(m_bus, nullptr);
+        if (result < 0) {
+            lose(-result);
+            return;
+        }
+        greet();
+        if (result == 0 || isOver())
+            return;
+        runTasks();
+    }
+}
+
+void BusLoop::greet()
+{
+    if (m_state != State::Opening || busLibrary()->sd_bus_is_ready(m_bus) <= 0)
+        return;
+    const char* name = nullptr;
+    if (const int result = busLibrary()->sd_bus_get_unique_name(m_bus, &name); result >= 0)
+        m_uniqueName = name;
+    m_state = State::Open;
+    m_greeting.set_value(0);
+}
+
+int BusLoop::pollTimeout() const
+{
+    uint64_t until = UINT64_MAX;
+    if (m_bus == nullptr || busLibrary()->sd_bus_get_timeout(m_bus, &until) < 0 || until == UINT64_MAX)
+        return -1;
+    const uint64_t now = monotonicMicroseconds();
+    return until <= now ? 0 : static_cast<int>(std::min<uint64_t>((until - now + 999) / 1'000, INT_MAX));
+}
+
+void BusLoop::wait()
+{
+    const int events = m_bus == nullptr ? 0 : busLibrary()->sd_bus_get_events(m_bus);
+    pollfd watched[] = {
+        {.fd = m_wake.get(), .events = POLLIN, .revents = 0},
+        {.fd = m_bus == nullptr ? -1 : busLibrary()->sd_bus_get_fd(m_bus),
+         .events = static_cast<short>(std::max(events, 0)),
+         .revents = 0},
+    };
+    if (events < 0)
+        return; // what is wrong, processing will tell
+    ::poll(watched, std::size(watched), pollTimeout());
+    eventfd_t times = 0;
+    ::eventfd_read(m_wake.get(), &times);
+}
+
+void BusLoop::lose(int error)
+{
+    const State before = std::exchange(m_state, State::Lost);
+    sd_bus* bus = std::exchange(m_bus, nullptr);
+    for (const auto& [number, held] : std::exchange(m_held, {}))
+        held->lost(error);
+    if (bus != nullptr)
+        busLibrary()->sd_bus_close_unref(bus);
+    if (before == State::Opening)
+        m_greeting.set_value(error);
+    else if (before == State::Open && !isOver() && m_disconnected)
+        m_disconnected();
+}
+
+} // namespace havrel::platform
