@@ -6,10 +6,15 @@
 #include "capture_prefs_ui/capture_preferences_window.h"
 #include "capture_prefs_ui/item_pass.h"
 #include "capture_prefs_ui/item_texts.h"
+#include "capture_prefs_ui/pattern_table_cell_view.h"
+#include "capture_prefs_ui/pattern_table_view_controller.h"
+#include "capture_prefs_ui/table_view.h"
 #include "capture_prefs_ui/table_width_constraint.h"
 #include "capture_prefs_ui/timers.h"
 #include "capture_prefs_ui/window_frames.h"
 #include "foundation/dispatch.h"
+#include "foundation/notification_center.h"
+#include "foundation/observing.h"
 #include "ui_CapturePreferencesWindow.h"
 
 namespace havrel {
@@ -32,6 +37,7 @@ CapturePreferencesController::CapturePreferencesController(AlertPresenter& alert
 
 CapturePreferencesController::~CapturePreferencesController()
 {
+    removeAllObservations(*this); // the table goes with the window
     m_autoWriteTimer->stop();
     m_statusTimer->stop();
 }
@@ -41,8 +47,14 @@ CapturePreferencesWindow& CapturePreferencesController::window()
     if (!m_window) {
         m_window = std::make_unique<CapturePreferencesWindow>();
         connectControls();
+        observePatterns();
     }
     return *m_window;
+}
+
+PatternTableViewController* CapturePreferencesController::patternTableController() const
+{
+    return m_window ? &m_window->outlets().patternTable->controller() : nullptr;
 }
 
 const TableWidthConstraint* CapturePreferencesController::patternTableWidthConstraint() const noexcept
@@ -95,7 +107,37 @@ void CapturePreferencesController::showRefusedSoon()
     });
 }
 
-void CapturePreferencesController::showPatterns() {}
+void CapturePreferencesController::showPatterns()
+{
+    PatternTableViewController& table = *patternTableController();
+    table.setEnabled(m_loaded.atLeastOneContainer);
+    PatternFilterDefs patterns = m_loaded.commonPatterns.patterns().inOrder();
+    if (m_loaded.commonPatterns.differ())
+        patterns.append(PatternFilterDef::filterDefPlaceholder());
+    table.setFilterDefs(patterns);
+}
+
+void CapturePreferencesController::observePatterns()
+{
+    m_patternTableWidthConstraint = std::make_unique<TableWidthConstraint>(
+        *m_window->outlets().patternTable, m_window->outlets().patternTable->sizeHint().width(), kWeakestPriority);
+    observeProperty(*this,
+                    "patternTableController.filterDefs",
+                    ObservationOptions::NoInitialCall,
+                    [this](QObject*, QObject*, const QVariant&, const QVariant&) { patternsChanged(); });
+    observeNotification(*this,
+                        QString(kPatternTableCellValueChanged),
+                        m_window->outlets().patternTable->tableView(),
+                        [this](QObject*, const Notification&) { makeDirty(); });
+}
+
+void CapturePreferencesController::patternsChanged()
+{
+    makeDirty();
+    const int priority = patternTableController()->filterDefs().isEmpty() ? kWeakestPriority : kRequiredPriority;
+    if (priority != m_patternTableWidthConstraint->priority())
+        *m_patternTableWidthConstraint = m_patternTableWidthConstraint->withPriority(priority);
+}
 
 void CapturePreferencesController::showWindow()
 {

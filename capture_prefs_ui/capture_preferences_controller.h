@@ -21,6 +21,7 @@ class AlertPresenter;
 class CapturePreferencesWindow;
 class DurationField;
 class MixedCheckBox;
+class PatternTableViewController;
 class TableWidthConstraint;
 class Timer;
 class Timers;
@@ -37,6 +38,8 @@ class Timers;
 class CapturePreferencesController : public Observable
 {
     Q_OBJECT
+    Q_MOC_INCLUDE("capture_prefs_ui/pattern_table_view_controller.h")
+    Q_PROPERTY(havrel::PatternTableViewController* patternTableController READ patternTableController)
 
 public:
     /// \param alerts must outlive the controller.
@@ -114,6 +117,8 @@ public:
     [[nodiscard]] bool allContainers() const noexcept { return m_loaded.allContainers; }
     /// \selector atLeastOneContainer
     [[nodiscard]] bool atLeastOneContainer() const noexcept { return m_loaded.atLeastOneContainer; }
+    /// None before the window is made. \selector patternTableController
+    [[nodiscard]] PatternTableViewController* patternTableController() const;
     /// Of the pattern table; none before the window is made. \selector patternTableWidthConstraint
     [[nodiscard]] const TableWidthConstraint* patternTableWidthConstraint() const noexcept;
 
@@ -121,8 +126,10 @@ private:
     void connectControls();
     void connectIgnoring();
     void connectScraping();
+    void observePatterns();
     void showRefusedSoon();
     void showPatterns();
+    void patternsChanged();
     template<class Value>
     void setOnPrefs(OptionRange range, Value FileCapturePreferences::*property, const Value& value);
 

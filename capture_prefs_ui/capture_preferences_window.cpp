@@ -4,6 +4,7 @@
 #include "capture_prefs_ui/calm_wheel.h"
 #include "capture_prefs_ui/capture_preferences_view_state.h"
 #include "capture_prefs_ui/item_texts.h"
+#include "capture_prefs_ui/table_view.h"
 #include "ui_CapturePreferencesWindow.h"
 
 #include <QButtonGroup>
@@ -41,6 +42,13 @@ void showDuration(const DurationState& state, DurationField& field, QComboBox& m
     menu.setCurrentIndex(menu.findData(static_cast<uint>(state.scale)));
 }
 
+/// Hours and minutes as the user's locale has them; some locales' short format has seconds, which would say nothing.
+QString timeFormat()
+{
+    const bool hasHalves = QLocale().timeFormat(QLocale::ShortFormat).contains(u'a', Qt::CaseInsensitive);
+    return hasHalves ? QStringLiteral("h:mm AP") : QStringLiteral("HH:mm");
+}
+
 void showTime(QTimeEdit& picker, int minute)
 {
     const QSignalBlocker quiet(picker);
@@ -60,8 +68,9 @@ CapturePreferencesWindow::CapturePreferencesWindow()
     calmWheels();
     addShortcuts();
     emphasizeName();
+    m_ui->patternsTitleField->setBuddy(&m_ui->patternTable->tableView());
     for (QTimeEdit* each : {m_ui->ignoreFromPicker, m_ui->ignoreToPicker})
-        each->setDisplayFormat(QLocale().timeFormat(QLocale::ShortFormat));
+        each->setDisplayFormat(timeFormat());
 }
 
 CapturePreferencesWindow::~CapturePreferencesWindow() = default;
@@ -174,6 +183,7 @@ void CapturePreferencesWindow::commitEditing()
         each->commit();
     for (QTimeEdit* each : {m_ui->ignoreFromPicker, m_ui->ignoreToPicker})
         each->interpretText();
+    m_ui->patternTable->endEditing();
     // Whatever else is edited hears that it loses the focus.
     if (QWidget* editor = focusWidget())
         editor->clearFocus();

@@ -4,6 +4,7 @@
 #include "capture_prefs_ui/capture_preferences_window.h"
 #include "capture_prefs_ui/item_pass.h"
 #include "capture_prefs_ui/item_texts.h"
+#include "capture_prefs_ui/pattern_table_view_controller.h"
 #include "capture_prefs_ui/timers.h"
 #include "diagnostics/exception.h"
 #include "diagnostics/logr.h"
@@ -17,6 +18,20 @@ using namespace std::chrono_literals;
 
 /// How long after the last change the items are written.
 constexpr auto kQuietTime = 6s;
+
+struct EditedPatterns
+{
+    PatternFilterDefs patterns;
+    bool keepsOwn; ///< the placeholder for each folder's own patterns is there
+};
+
+EditedPatterns editedPatterns(const PatternTableViewController& table)
+{
+    EditedPatterns edited{.patterns = table.filterDefs(), .keepsOwn = false};
+    edited.keepsOwn = edited.patterns.removeIf(
+                          [](const PatternFilterDefPtr& each) { return each->multiplePatternsPlaceholder(); }) > 0;
+    return edited;
+}
 
 QString reasonOf(const Exception& exception)
 {
@@ -58,14 +73,14 @@ bool CapturePreferencesController::setModifiedPrefs()
         return true;
     m_dirty = false;
     m_failure.clear();
-    const PatternFilterDefs edited = m_loaded.commonPatterns.patterns().inOrder();
-    const bool keepsOwn = m_loaded.commonPatterns.differ();
+    const EditedPatterns edited = editedPatterns(*patternTableController());
     const auto count = static_cast<qsizetype>(m_loaded.paths.size());
     qsizetype written = 0;
     const ItemPass pass{.text = tr("Writing the capture preferences of %1 items...").arg(count),
                         .count = count,
                         .perform = [&](qsizetype index) {
-                            const bool isWritten = writeItem(static_cast<std::size_t>(index), edited, keepsOwn);
+                            const bool isWritten =
+                                writeItem(static_cast<std::size_t>(index), edited.patterns, edited.keepsOwn);
                             written += isWritten;
                             return isWritten;
                         }};

@@ -6,6 +6,7 @@
 #include <QStyleOptionSpinBox>
 
 #include <algorithm>
+#include <utility>
 
 namespace havrel {
 namespace {
@@ -20,6 +21,8 @@ DurationField::DurationField(QWidget* parent)
 {
     setFocusPolicy(Qt::StrongFocus);
     lineEdit()->setAlignment(Qt::AlignRight);
+    // The line edit's own mark does not outlive the spin box's reading of the text.
+    connect(lineEdit(), &QLineEdit::textEdited, this, [this] { m_isEdited = true; });
     connect(this, &QAbstractSpinBox::editingFinished, this, &DurationField::commit);
 }
 
@@ -34,16 +37,14 @@ void DurationField::setValue(const std::optional<qint64>& value)
 {
     const QString shown = value ? QString::number(*value) : QString();
     if (shown != text())
-        lineEdit()->setText(shown); // also clears the modified mark
-    lineEdit()->setModified(false);
+        lineEdit()->setText(shown);
+    m_isEdited = false;
 }
 
 void DurationField::commit()
 {
-    if (!lineEdit()->isModified())
-        return;
-    lineEdit()->setModified(false);
-    Q_EMIT valueEdited();
+    if (std::exchange(m_isEdited, false))
+        Q_EMIT valueEdited();
 }
 
 QValidator::State DurationField::validate(QString& input, int& position) const

@@ -38,6 +38,9 @@ Q_SIGNALS:
 
 protected:
     [[nodiscard]] StepEnabled stepEnabled() const override;
+
+private:
+    bool m_isEdited = false; // typed, and not yet told
 };
 
 } // namespace havrel

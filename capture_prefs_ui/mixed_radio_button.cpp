@@ -68,6 +68,7 @@ MixedRadioButton::MixedRadioButton(QWidget* parent)
 {
     static const bool isInstalled = (QAccessible::installFactory(accessibleOf), true);
     Q_UNUSED(isInstalled);
+    setAutoExclusive(false); // such a button could not be turned off
 }
 
 ButtonState MixedRadioButton::state() const noexcept
@@ -100,7 +101,7 @@ void MixedRadioButton::setState(ButtonState state)
 void MixedRadioButton::nextCheckState()
 {
     m_isMixed = false;
-    QRadioButton::nextCheckState();
+    setChecked(true);
     update();
 }
 

@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: MIT
+// Takes pictures of the capture preferences window in every state, on real items: scripts/pictures runs it once for
+// each way of showing windows (language, direction, palette, scale, font).
+//
+// usage: window_pictures [--dark] [--rtl] [--font POINTS] FOLDER SUFFIX [STATE...]
+#include "capture_prefs_ui/alert.h"
+#include "capture_prefs_ui/capture_preferences_controller.h"
+#include "capture_prefs_ui/capture_preferences_window.h"
+#include "filters/pattern_filter_def.h"
+#include "fs/path.h"
+#include "tests/support/fake_timers.h"
+#include "tests/support/temporary_tree.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QStyleFactory>
+
+#include <cstdio>
+
+namespace havrel::tests {
+namespace {
+
+/// A state of the window: the items in it and what is done to it.
+struct Picture
+{
+    const char* name;
+    std::vector<const char*> items;
+    std::function<void(CapturePreferencesController&, FakeTimers&)> act;
+};
+
+void click(CapturePreferencesController& controller, const char* button)
+{
+    controller.window().findChild<QAbstractButton*>(QLatin1String(button))->click();
+}
+
+void store(const TemporaryTree& tree, const char* item, CaptureOption option, const QStringList& patterns)
+{
+    FileCapturePreferences preferences;
+    preferences.option = option;
+    preferences.setExcludeFilterDefs(
+        PatternFilterDef::filterDefsFromStrings(patterns, PatternFilterDef::itemEnvironment()));
+    preferences.setPreferencesAtPath(*JNPath::withCPath(tree.bytes(std::string("Documents/") + item)));
+}
+
+void storeAll(const TemporaryTree& tree)
+{
+    const QString temporary = QStringLiteral("Library//*.tmp/+:glob");
+    const QString logs = QStringLiteral("//^log[0-9]+$/0:re");
+    const QString complete = QStringLiteral("a//b/c");
+    store(tree, "Projects", CaptureOption::Normal, {temporary, logs, complete});
+    store(tree, "Photos", CaptureOption::Scrape, {temporary});
+    store(tree, "Music", CaptureOption::IgnoreChanges, {temporary, logs});
+}
+
+const std::vector<Picture>& pictures()
+{
+    static const std::vector<Picture> all{
+        {"folder", {"Projects"}, {}},
+        {"empty", {"New folder"}, {}},
+        {"file", {"Notes.txt"}, {}},
+        {"several", {"Projects", "Photos", "Music", "Notes.txt", "Letter.odt"}, {}},
+        {"excluding", {"Projects"}, [](auto& controller, auto&) { click(controller, "optionExcludeButton"); }},
+        {"ignoring",
+         {"Projects"},
+         [](auto& controller, auto& timers) {
+             click(controller, "optionIgnoreButton");
+             click(controller, "ignoreBetweenButton");
+             timers.pass(std::chrono::seconds(2));
+         }},
+        {"scraping",
+         {"Projects"},
+         [](auto& controller, auto& timers) {
+             click(controller, "optionScrapeContentsButton");
+             timers.pass(std::chrono::seconds(7));
+         }},
+    };
+    return all;
+}
+
+void darken()
+{
+    QPalette dark(QColor(45, 45, 48), QColor(45, 45, 48));
+    dark.setColor(QPalette::Base, QColor(32, 32, 35));
+    dark.setColor(QPalette::AlternateBase, QColor(40, 40, 43));
+    dark.setColor(QPalette::Highlight, QColor(53, 132, 228));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
+        dark.setColor(role, QColor(235, 235, 235));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        dark.setColor(QPalette::Disabled, role, QColor(125, 125, 128));
+    QApplication::setPalette(dark);
+}
+
+class QuietAlerts final : public AlertPresenter
+{
+public:
+    [[nodiscard]] int runModal(const Alert& /*alert*/) override { return kAlertFirstButtonReturn; }
+    void beginSheet(const Alert& /*alert*/, QWidget& /*window*/, std::function<void(int)> /*ended*/) override {}
+};
+
+bool take(const Picture& picture, const TemporaryTree& tree, const QString& file)
+{
+    QuietAlerts alerts;
+    FakeTimers timers;
+    CapturePreferencesController controller(
+        alerts, [] {}, timers);
+    QList<QUrl> urls;
+    for (const char* each : picture.items)
+        urls.append(JNPath::withCPath(tree.bytes(std::string("Documents/") + each))->url());
+    if (!controller.prepareWithItems(urls))
+        return false;
+    controller.showWindow();
+    if (picture.act)
+        picture.act(controller, timers);
+    QApplication::processEvents();
+    QApplication::processEvents();
+    return controller.window().grab().save(file);
+}
+
+int run(const QStringList& arguments)
+{
+    const TemporaryTree tree{"Documents/Projects/",
+                             "Documents/Photos/",
+                             "Documents/Music/",
+                             "Documents/New folder/",
+                             "Documents/Notes.txt",
+                             "Documents/Letter.odt"};
+    qputenv("HOME", tree.bytes("")); // so that the pictures say "~/Documents" everywhere
+    qputenv("XDG_STATE_HOME", tree.bytes("state"));
+    storeAll(tree);
+    for (const Picture& each : pictures()) {
+        const QString name = QLatin1String(each.name);
+        if (arguments.size() > 2 && !arguments.mid(2).contains(name))
+            continue;
+        const QString file = QDir(arguments[0]).filePath(name + arguments[1] + QStringLiteral(".png"));
+        if (!take(each, tree, file)) {
+            std::fprintf(stderr, "cannot take %s\n", qPrintable(file));
+            return 1;
+        }
+    }
+    return 0;
+}
+
+} // namespace
+} // namespace havrel::tests
+
+int main(int argc, char** argv)
+{
+    QApplication application(argc, argv);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QCommandLineParser options;
+    options.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("where the pictures go"));
+    options.addPositionalArgument(QStringLiteral("suffix"), QStringLiteral("of the names of the pictures"));
+    options.addPositionalArgument(QStringLiteral("state"), QStringLiteral("only these states"));
+    const QCommandLineOption dark(QStringLiteral("dark"), QStringLiteral("a dark palette"));
+    const QCommandLineOption mirrored(QStringLiteral("rtl"), QStringLiteral("right to left"));
+    const QCommandLineOption font(QStringLiteral("font"), QStringLiteral("size of texts"), QStringLiteral("points"));
+    options.addOptions({dark, mirrored, font});
+    options.process(application);
+    if (options.isSet(dark))
+        havrel::tests::darken();
+    if (options.isSet(mirrored))
+        QApplication::setLayoutDirection(Qt::RightToLeft);
+    QFont texts = QApplication::font();
+    texts.setPointSizeF(options.isSet(font) ? options.value(font).toDouble() : 10);
+    QApplication::setFont(texts);
+    if (options.positionalArguments().size() < 2)
+        options.showHelp(2);
+    return havrel::tests::run(options.positionalArguments());
+}
