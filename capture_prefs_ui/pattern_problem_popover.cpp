@@ -84,10 +84,13 @@ void PatternProblemPopover::watch()
         each->installEventFilter(this);
         m_watched << each;
     }
+    connect(m_field, &QObject::destroyed, this, &PatternProblemPopover::dismiss);
 }
 
 void PatternProblemPopover::unwatch()
 {
+    if (m_field)
+        disconnect(m_field, &QObject::destroyed, this, nullptr);
     for (const QPointer<QWidget>& each : std::as_const(m_watched))
         if (each)
             each->removeEventFilter(this);
