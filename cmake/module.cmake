@@ -36,10 +36,12 @@ function(add_module name)
     endif()
 endfunction()
 
-# add_module_tests(<name> [WINDOWS] MODULES <module>... SOURCES <unit>_test.cpp... [LINKS <target>...])
-# Sources are given relative to tests/. WINDOWS: the tests share an application object that can show windows.
+# add_module_tests(<name> [WINDOWS [DISPLAY]] MODULES <module>... SOURCES <unit>_test.cpp... [LINKS <target>...])
+# Sources are given relative to tests/. WINDOWS: the tests share an application object that can show
+# windows, offscreen. DISPLAY: they run as one, on an X server of their own with a
+# window manager.
 function(add_module_tests name)
-    cmake_parse_arguments(ARG "WINDOWS" "" "SOURCES;MODULES;LINKS" ${ARGN})
+    cmake_parse_arguments(ARG "WINDOWS;DISPLAY" "" "SOURCES;MODULES;LINKS" ${ARGN})
     list(TRANSFORM ARG_SOURCES PREPEND "${PROJECT_SOURCE_DIR}/tests/")
     list(TRANSFORM ARG_MODULES PREPEND havrel::)
     set(main GTest::gtest_main)
@@ -49,5 +51,10 @@ function(add_module_tests name)
     endif()
     add_executable(${name}_tests ${ARG_SOURCES})
     target_link_libraries(${name}_tests PRIVATE ${ARG_MODULES} ${ARG_LINKS} GTest::gmock ${main} havrel_flags)
+    if(ARG_DISPLAY)
+        add_test(NAME ${name} COMMAND ${PROJECT_SOURCE_DIR}/scripts/with-display $<TARGET_FILE:${name}_tests>)
+        set_tests_properties(${name} PROPERTIES LABELS "display;${name}")
+        return()
+    endif()
     gtest_discover_tests(${name}_tests TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60 PROPERTIES LABELS "unit;${name}")
 endfunction()
