@@ -65,9 +65,9 @@ void ServiceApplicationDelegate::applicationDidFinishLaunching()
     m_idleTimer->start(m_surroundings.idleInterval);
 }
 
-void ServiceApplicationDelegate::applicationWillTerminate()
+void ServiceApplicationDelegate::applicationWillTerminate(int exitStatus)
 {
-    Logr::logStopProcess(processIdentity(), 0);
+    Logr::logStopProcess(processIdentity(), exitStatus);
 }
 
 void ServiceApplicationDelegate::autoShutdownTime()

@@ -61,7 +61,7 @@ public:
     /// Logs the start, opens the way for requests and starts the idle timer. \selector applicationDidFinishLaunching:
     void applicationDidFinishLaunching();
     /// Logs the stop. The line reaches the log when the shared logger is closed. \selector applicationWillTerminate:
-    static void applicationWillTerminate();
+    static void applicationWillTerminate(int exitStatus = 0);
 
     /// Something happened: the process stays for at least one more whole idle interval. \selector busy
     void busy() { m_beenBusy = true; }

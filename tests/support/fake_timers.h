@@ -3,6 +3,8 @@
 
 #include "capture_prefs_ui/timers.h"
 
+#include <QtGlobal>
+
 #include <algorithm>
 #include <optional>
 #include <vector>
