@@ -120,7 +120,9 @@ class Program
 {
 public:
     Program(std::span<const SubcommandGroup> groups, std::span<const Subcommand> subcommands)
-        : m_app("Reads and writes capture preferences, and checks exclusion patterns.", "havrel")
+        : m_app("Reads and writes capture preferences, checks exclusion patterns, and brings Havrel's commands to file "
+                "managers.",
+                "havrel")
     {
         m_app.set_version_flag("--version", "havrel " HAVREL_VERSION, "Show the version and exit");
         m_app.set_help_flag("-h,--help", "Show this help and exit");
@@ -129,6 +131,9 @@ public:
                      "\n'havrel SUBCOMMAND --help' tells more.");
         for (const SubcommandGroup& each : groups)
             addGroup(each, subcommands);
+        for (const Subcommand& each : subcommands)
+            if (*each.group == '\0')
+                addSubcommand(m_app, each);
     }
 
     ExitStatus run(std::vector<std::string> arguments)

@@ -47,8 +47,8 @@ private:
 /// A row of the table of subcommands.
 struct Subcommand
 {
-    const char* group; ///< the first word; "captureprefs"
-    const char* name;  ///< the second word; "show"
+    const char* group; ///< the first word; "captureprefs"; empty for a subcommand of one word
+    const char* name;  ///< the second word; "show"; or the only one
     const char* summary;
     void (*define)(Command& command); ///< called only when this is the subcommand that was given
 };

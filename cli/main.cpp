@@ -28,6 +28,7 @@ constexpr auto kSubcommands = std::to_array<Subcommand>({
     {"captureprefs", "export", "Write the preferences of everything below folders as JSON", defineCaptureprefsExport},
     {"captureprefs", "import", "Give items the preferences that were exported", defineCaptureprefsImport},
     {"pattern", "check", "Tell whether patterns are valid, and how they are understood", definePatternCheck},
+    {"", "integrations", "Show, add or remove the commands in file managers", defineIntegrations},
     {"log", "id", "Take the identities of log lines apart", defineLogId},
 });
 

@@ -33,8 +33,9 @@ constexpr auto kCaja = std::to_array<Way>({
 constexpr auto kThunar = std::to_array<Way>({
     {.name = "extension",
      .files = thunarExtension,
-     .package = "thunarx-python",
-     .module = "thunarx-3/thunarx-python.so"},
+     .package = "thunarx-python gir1.2-thunarx-3.0", // which the first does not ask for
+     .module = "thunarx-3/thunarx-python.so",
+     .description = "girepository-1.0/Thunarx-3.0.typelib"},
     {.name = "actions", .files = nullptr, .package = nullptr, .module = nullptr},
 });
 

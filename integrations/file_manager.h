@@ -19,10 +19,11 @@ enum class Noticed { AtOnce, AtStart };
 /// A way in which a file manager takes commands.
 struct Way
 {
-    const char* name;            ///< "extension"
-    QList<EntryFile> (*files)(); ///< null: the actions in Thunar's file, which holds others, too
-    const char* package;         ///< that loads the entry; null when none is needed
-    const char* module;          ///< of that package, below a folder for libraries
+    const char* name;                  ///< "extension"
+    QList<EntryFile> (*files)();       ///< null: the actions in Thunar's file, which holds others, too
+    const char* package;               ///< that loads the entry, or several; null when none is needed
+    const char* module;                ///< of that package, below a folder for libraries
+    const char* description = nullptr; ///< of the interface that the entry imports, below a folder for libraries
     Seen seen = Seen::InEveryDataFolder;
     Noticed noticed = Noticed::AtStart;
     bool mustBeExecutable = false; ///< the user's own copy

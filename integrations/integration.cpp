@@ -145,7 +145,8 @@ bool Integration::isOlderThan(const QByteArrayList& files) const
 WayState Integration::stateOf(const Way& way) const
 {
     WayState state{.way = &way, .fault = {}};
-    state.isLoaderMissing = way.module != nullptr && !m_places.hasModule(way.module);
+    for (const char* needed : {way.module, way.description})
+        state.isLoaderMissing = state.isLoaderMissing || (needed != nullptr && !m_places.hasModule(needed));
     QByteArrayList files;
     if (way.isSharedFile()) {
         const ThunarActionsFile file(m_places);

@@ -130,6 +130,13 @@ TEST_F(IntegrationOn, AMissingLoaderIsTold)
     EXPECT_TRUE(nautilus.state().isLoaderMissing);
     installLoader(way(nautilus, 0));
     EXPECT_FALSE(nautilus.state().isLoaderMissing);
+
+    const Integration thunar = integration("thunar");
+    installForEverybody(way(thunar, 0), "usr");
+    installLoader(way(thunar, 0));
+    EXPECT_TRUE(thunar.state().isLoaderMissing) << "its interface is not described yet";
+    m_tree.add(std::string("lib/x86_64-linux-gnu/") + way(thunar, 0).description);
+    EXPECT_FALSE(thunar.state().isLoaderMissing);
 }
 
 TEST_F(IntegrationOn, TheBestWayWithItsLoaderIsAdded)
