@@ -1,0 +1,107 @@
+# SPDX-License-Identifier: MIT
+"""An X server with a window manager, and looking at programs through the accessibility bus."""
+import os
+import subprocess
+import sys
+import time
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, Gio, GLib  # noqa: E402
+
+
+class TookTooLong(Exception):
+    pass
+
+
+def until(condition, what, seconds=60):
+    """Asks again and again until there is an answer; gives up at the deadline."""
+    deadline = time.monotonic() + seconds
+    while time.monotonic() < deadline:
+        try:
+            answer = condition()
+        except GLib.Error:  # what was looked at has gone meanwhile
+            answer = None
+        if answer:
+            return answer
+        GLib.MainContext.default().iteration(False)
+        time.sleep(0.02)
+    raise TookTooLong(what)
+
+
+class Session:
+    """Everything that is started in it ends with it."""
+
+    def __enter__(self):
+        self.processes = []
+        self.start_server()
+        self.start(["openbox"])
+        until(self.has_window_manager, "the window manager")
+        bus = Gio.bus_get_sync(Gio.BusType.SESSION)
+        bus.call_sync("org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties", "Set",
+                      GLib.Variant("(ssv)", ("org.a11y.Status", "IsEnabled", GLib.Variant("b", True))),
+                      None, Gio.DBusCallFlags.NONE, 30000, None)
+        Atspi.init()
+        return self
+
+    def __exit__(self, *_):
+        for process in reversed(self.processes):
+            process.terminate()
+        for process in reversed(self.processes):
+            process.wait()
+
+    def start_server(self):
+        reading, writing = os.pipe()
+        self.start(["Xvfb", "-displayfd", str(writing), "-screen", "0", "1280x900x24", "-nolisten", "tcp"],
+                   pass_fds=[writing], stderr=subprocess.DEVNULL)
+        os.close(writing)
+        with os.fdopen(reading) as display:
+            os.environ["DISPLAY"] = ":" + display.readline().strip()
+
+    def start(self, command, **more):
+        self.processes.append(subprocess.Popen(command, **more))
+        return self.processes[-1]
+
+    @staticmethod
+    def has_window_manager():
+        answer = subprocess.run(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], capture_output=True, text=True,
+                                timeout=30)
+        return "window id" in answer.stdout
+
+    @staticmethod
+    def key_tool(*arguments, quiet=False):
+        done = subprocess.run(["xdotool", *arguments], capture_output=True, text=True)
+        if done.returncode != 0 and not quiet:
+            sys.exit("xdotool " + " ".join(arguments) + ": " + done.stderr)
+        return done.stdout.strip()
+
+
+def programs():
+    desktop = Atspi.get_desktop(0)
+    return [desktop.get_child_at_index(number) for number in range(desktop.get_child_count())]
+
+
+def everything_below(thing, deepest=40):
+    yield thing
+    if deepest == 0:
+        return
+    for number in range(min(thing.get_child_count(), 500)):
+        child = thing.get_child_at_index(number)
+        if child is not None:
+            yield from everything_below(child, deepest - 1)
+
+
+def find(name, roles=None, program=None):
+    """The first thing on the screen of that name."""
+    for root in programs():
+        if root is None or (program and program not in (root.get_name() or "").lower()):
+            continue
+        for thing in everything_below(root):
+            if thing.get_name() == name and (roles is None or thing.get_role() in roles):
+                return thing
+    return None
+
+
+def press(thing):
+    Atspi.Action.do_action(thing, 0)

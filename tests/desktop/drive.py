@@ -1,0 +1,80 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: MIT
+"""Chooses a command from the menu of a file manager, and compares what arrives with what was selected.
+
+usage: drive.py WAY WHAT FOLDER     inside of a message bus of its own; see file_manager_test.py
+"""
+import os
+import sys
+import urllib.parse
+
+from desktop_session import Atspi, Session, TookTooLong, find, press, until
+
+TITLE = "Capture Preferences..."
+WORDS = [b"captureprefs", b"edit"]
+MENU_ITEM = {Atspi.Role.MENU_ITEM}
+
+PROGRAMS = {
+    "caja": ["caja", "--no-desktop", "--browser"],
+    "nemo-extension": ["nemo"],
+    "nemo-actions": ["nemo"],
+    "thunar-extension": ["thunar"],
+    "thunar-actions": ["thunar"],
+}
+
+
+def select_all(session, folder, first):
+    """Once the folder is shown."""
+    until(lambda: find(first), "the file manager to show the folder")
+    window = until(lambda: session.key_tool("search", "--onlyvisible", "--name", os.path.basename(folder), quiet=True),
+                   "its window").split()[-1]
+    session.key_tool("windowfocus", "--sync", window)
+    session.key_tool("key", "ctrl+a")
+
+
+def choose(session, folder, first):
+    """The command from the menu, which is on the accessibility bus."""
+    select_all(session, folder, first)
+    session.key_tool("key", "shift+F10")
+    press(until(lambda: find(TITLE, MENU_ITEM), "the command in the menu"))
+
+
+def recorded():
+    try:
+        with open(os.environb[b"HAVREL_RECORD"], "rb") as file:
+            return file.read().split(b"\0")
+    except FileNotFoundError:
+        return None
+
+
+def path_of(item):
+    return urllib.parse.unquote_to_bytes(item[len(b"file://"):]) if item.startswith(b"file:") else item
+
+
+def compare(record, folder):
+    count = int(record[0])
+    arguments, given = record[1:count + 1], record[count + 1:]
+    assert arguments[:2] == WORDS, arguments[:4]
+    if arguments[2:] != [b"--items-from", b"-"]:
+        assert arguments[2] == b"--", arguments[:4]
+        given = arguments[3:]
+    selected = sorted(os.path.join(os.fsencode(folder), name) for name in os.listdir(os.fsencode(folder)))
+    arrived = sorted(map(path_of, given))
+    missing, wrong = sorted(set(selected) - set(arrived)), sorted(set(arrived) - set(selected))
+    assert arrived == selected, f"{len(arrived)} of {len(selected)}; missing {missing[:9]}, wrong {wrong[:9]}"
+    print(f"{len(arrived)} of {len(selected)} items arrived, every name exact")
+
+
+def main():
+    way, what, folder = sys.argv[1:]
+    first = {"names": "plain.txt", "many": "item 00000"}[what]
+    with Session() as session:
+        session.start([*PROGRAMS[way], folder])
+        try:
+            choose(session, folder, first)
+            compare(until(recorded, "the program to be started"), folder)
+        except TookTooLong as failure:
+            sys.exit(f"waited in vain for {failure}")
+
+
+main()
