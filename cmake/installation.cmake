@@ -1,0 +1,50 @@
+# SPDX-License-Identifier: MIT
+# What is installed where. Components are Debian packages: the program with all entries that need nothing else, and one
+# for each file manager that loads its entry by a package.
+set(app_id com.havrel.Service)
+
+install(TARGETS havrel RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT havrel)
+if(TARGET havrel-service)
+    install(TARGETS havrel-service RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT havrel)
+endif()
+
+foreach(folder IN ITEMS applications metainfo kio nemo file-manager)
+    install(DIRECTORY ${HAVREL_ENTRIES}/${folder} DESTINATION ${CMAKE_INSTALL_DATADIR} COMPONENT havrel)
+endforeach()
+foreach(manager IN ITEMS nautilus nemo caja thunar)
+    string(REPLACE thunar thunarx folder ${manager}-python)
+    install(DIRECTORY ${HAVREL_ENTRIES}/${folder} DESTINATION ${CMAKE_INSTALL_DATADIR} COMPONENT havrel-${manager})
+endforeach()
+
+set(icons ${CMAKE_INSTALL_DATADIR}/icons/hicolor)
+install(FILES resources/icons/${app_id}.svg DESTINATION ${icons}/scalable/apps COMPONENT havrel)
+install(FILES resources/icons/${app_id}-symbolic.svg DESTINATION ${icons}/symbolic/apps COMPONENT havrel)
+
+install(FILES docs/man/havrel.1 docs/man/havrel-service.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT havrel)
+install(FILES resources/completions/havrel.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME havrel COMPONENT havrel)
+install(FILES resources/completions/_havrel
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT havrel)
+install(FILES resources/completions/havrel.fish
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT havrel)
+install(FILES CHANGELOG.md README.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT havrel)
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright COMPONENT havrel)
+if(EXISTS ${PROJECT_SOURCE_DIR}/resources/help)
+    install(DIRECTORY resources/help DESTINATION ${CMAKE_INSTALL_DATADIR}/havrel COMPONENT havrel)
+endif()
+
+# Starting the service: by the message bus, or by systemd on its behalf. Templates name the program's full path.
+foreach(template IN ITEMS ${app_id}.service:dbus-1/services havrel-service.service:systemd/user)
+    string(REPLACE ":" ";" parts ${template})
+    list(GET parts 0 file)
+    list(GET parts 1 folder)
+    if(EXISTS ${PROJECT_SOURCE_DIR}/resources/bus/${file}.in)
+        configure_file(resources/bus/${file}.in ${PROJECT_BINARY_DIR}/generated/bus/${file} @ONLY)
+        if(folder STREQUAL "systemd/user")
+            set(root lib)
+        else()
+            set(root ${CMAKE_INSTALL_DATADIR})
+        endif()
+        install(FILES ${PROJECT_BINARY_DIR}/generated/bus/${file} DESTINATION ${root}/${folder} COMPONENT havrel)
+    endif()
+endforeach()
