@@ -15,21 +15,34 @@ namespace {
 struct AddCommand
 {
     const char* title;
-    const char* example;
+    const char* pattern; // an example
+    const char* meaning; // of the example
     void (PatternTableViewController::*add)(QObject* sender);
 };
 
 constexpr AddCommand kAddCommands[] = {
     {QT_TRANSLATE_NOOP("havrel::PatternTablePane", "&Glob Pattern"),
-     QT_TRANSLATE_NOOP("havrel::PatternTablePane", "*.tmp: all names that end in .tmp"),
+     "*.tmp",
+     QT_TRANSLATE_NOOP("havrel::PatternTablePane", "all names that end in .tmp"),
      &PatternTableViewController::addGlobPattern},
     {QT_TRANSLATE_NOOP("havrel::PatternTablePane", "&Regular Expression"),
-     QT_TRANSLATE_NOOP("havrel::PatternTablePane", "^[0-9]+$: all names made of digits"),
+     "^[0-9]+$",
+     QT_TRANSLATE_NOOP("havrel::PatternTablePane", "all names made of digits"),
      &PatternTableViewController::addRegExPattern},
     {QT_TRANSLATE_NOOP("havrel::PatternTablePane", "&Complete Pattern"),
-     QT_TRANSLATE_NOOP("havrel::PatternTablePane", "Library//Cache*/+: caches in Library and below"),
+     "Library//Cache*/+",
+     QT_TRANSLATE_NOOP("havrel::PatternTablePane", "caches in Library and below"),
      &PatternTableViewController::addExpertPattern},
 };
+
+/// The pattern runs from left to right in every language.
+QString exampleOf(const AddCommand& command)
+{
+    constexpr QChar kLeftToRight(0x2066);
+    constexpr QChar kEnd(0x2069);
+    return kLeftToRight + QString::fromLatin1(command.pattern) + kEnd + QStringLiteral(": ") +
+           PatternTablePane::tr(command.meaning);
+}
 
 } // namespace
 
@@ -96,7 +109,7 @@ void PatternTablePane::makeAddMenu()
     menu.clear();
     for (const AddCommand& command : kAddCommands) {
         // What stands behind the tab is set apart, where shortcuts usually stand.
-        QAction* action = menu.addAction(tr(command.title) + u'\t' + tr(command.example));
+        QAction* action = menu.addAction(tr(command.title) + u'\t' + exampleOf(command));
         connect(action, &QAction::triggered, m_controller.get(), [this, action, add = command.add] {
             (*m_controller.*add)(action);
         });

@@ -12,8 +12,7 @@ namespace {
 
 /// Around the text: the toolkit's own margins of a field without a frame, and the cursor.
 constexpr qreal kAroundText = 7.0;
-constexpr int kFewestCharacters = 6; // that a field has room for
-constexpr int kMostCharacters = 12;  // that a field keeps room for when there is little
+constexpr int kFewestCharacters = 10; // that a field has room for, whatever is in it
 
 } // namespace
 
@@ -41,10 +40,8 @@ QSize ResizingPatternTextField::intrinsicContentSize() const
 
 QSize ResizingPatternTextField::minimumSizeHint() const
 {
-    const int character = fontMetrics().averageCharWidth();
-    const int shown = fontMetrics().horizontalAdvance(text().isEmpty() ? placeholderText() : text());
-    const int width = std::clamp(shown, kFewestCharacters * character, kMostCharacters * character);
-    return {width + static_cast<int>(kAroundText), QLineEdit::minimumSizeHint().height()};
+    const int width = kFewestCharacters * fontMetrics().averageCharWidth() + static_cast<int>(kAroundText);
+    return {width, QLineEdit::minimumSizeHint().height()};
 }
 
 void ResizingPatternTextField::setEdited(bool isEdited)

@@ -118,9 +118,7 @@ void TableView::keepViews()
     QList<TableCellView*> gone;
     for (const auto& [row, view] : before) {
         const qsizetype now = m_rowsOfObjects.value(view->objectValue(), -1);
-        if (now >= 0)
-            m_views.emplace(now, view);
-        else
+        if (now < 0 || !m_views.emplace(now, view).second) // an object may stand in several rows
             gone << view;
     }
     for (TableCellView* view : gone)

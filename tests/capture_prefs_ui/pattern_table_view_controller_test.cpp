@@ -316,7 +316,7 @@ TEST_F(PatternTableList, EveryCommandOfTheMenuShowsAnExampleThatIsValid)
     const QStringList lines = texts({"//%1", "//%1/:re", "%1"}); // what each kind makes of its example
     for (qsizetype i = 0; i < lines.size(); ++i) {
         const QString text = controller().addMenu()->actions()[i]->text();
-        PatternFilterDef example(lines[i].arg(text.section(u'\t', 1).section(QStringLiteral(": "), 0, 0)));
+        PatternFilterDef example(lines[i].arg(text.section(QChar(0x2066), 1).section(QChar(0x2069), 0, 0)));
         EXPECT_TRUE(text.contains(u'&')) << qPrintable(text);
         EXPECT_TRUE(example.valid()) << qPrintable(example.completePattern());
         EXPECT_FALSE(example.patternComponents().isEmpty()) << qPrintable(example.completePattern());

@@ -87,7 +87,7 @@ TEST_F(ResizingField, HasTheToolkitsHeight)
 TEST_F(ResizingField, IsNeverTooNarrowToBeHit)
 {
     field.clear();
-    EXPECT_GE(field.minimumSizeHint().width(), 6 * field.fontMetrics().averageCharWidth());
+    EXPECT_GE(field.minimumSizeHint().width(), 10 * field.fontMetrics().averageCharWidth());
 }
 
 TEST_F(ResizingField, IsStillEditedWhileAMenuOrAnotherWindowIsInFront)

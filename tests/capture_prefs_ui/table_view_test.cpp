@@ -203,6 +203,21 @@ TEST_F(TableViewWithRows, KeepsItsSelectionWithItsObjects)
     EXPECT_EQ(selected(), IndexSet{1});
 }
 
+TEST_F(TableViewWithRows, ShowsAnObjectThatStandsInSeveralRows)
+{
+    const PatternFilterDefPtr placeholder = PatternFilterDef::filterDefPlaceholder();
+    controller().setFilterDefs({placeholder, placeholder, placeholder});
+    show();
+    controller().addPatterns(numberedPatterns(1), 0);
+    runMainQueue();
+    ASSERT_EQ(table().views().size(), 4U);
+    QList<QRect> places;
+    for (const auto* view : table().findChildren<TableCellView*>())
+        if (view->isVisible())
+            places << view->geometry();
+    EXPECT_EQ(places.size(), 4); // none is left behind
+}
+
 TEST_F(TableViewWithRows, IgnoresRowsThatDoNotExist)
 {
     showRows(2);
@@ -307,11 +322,17 @@ TEST_F(TableViewWithRows, LetsClicksThroughBoxes)
     EXPECT_EQ(selected(), IndexSet{1});
 }
 
-TEST_F(TableViewWithRows, IsTooNarrowForNoField)
+TEST_F(TableViewWithRows, IsTooNarrowForNoFieldWithTheLargestFonts)
 {
-    showRows(2);
-    table().resize(table().minimumSizeHint());
+    QFont large = window.font();
+    large.setPointSizeF(3 * large.pointSizeF());
+    window.setFont(large);
+    controller().addPatternStrings({QStringLiteral("A folder with a long name//a pattern that is long, too*")});
+    show();
+    table().setFixedWidth(table().minimumSizeHint().width());
+    runMainQueue();
     EXPECT_GE(row(0)->width(), row(0)->minimumSizeHint().width());
+    EXPECT_GE(row(0)->propogateButton()->width(), row(0)->propogateButton()->sizeHint().width());
 }
 
 TEST_F(TableViewWithRows, TakesNoKeysOrClicksWhileDisabled)
