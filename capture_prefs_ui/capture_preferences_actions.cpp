@@ -4,9 +4,10 @@
 #include "capture_prefs_ui/help_pages.h"
 #include "foundation/date_additions.h"
 #include "foundation/dispatch.h"
-#include "ui_CapturePreferencesWindow.h"
 
 #include <QButtonGroup>
+
+#include <ui_CapturePreferencesWindow.h>
 
 namespace havrel {
 namespace {

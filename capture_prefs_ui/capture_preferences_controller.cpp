@@ -15,7 +15,8 @@
 #include "foundation/dispatch.h"
 #include "foundation/notification_center.h"
 #include "foundation/observing.h"
-#include "ui_CapturePreferencesWindow.h"
+
+#include <ui_CapturePreferencesWindow.h>
 
 namespace havrel {
 

@@ -5,13 +5,14 @@
 #include "capture_prefs_ui/capture_preferences_view_state.h"
 #include "capture_prefs_ui/item_texts.h"
 #include "capture_prefs_ui/table_view.h"
-#include "ui_CapturePreferencesWindow.h"
 
 #include <QButtonGroup>
 #include <QCloseEvent>
 #include <QIcon>
 #include <QShortcut>
 #include <QSignalBlocker>
+
+#include <ui_CapturePreferencesWindow.h>
 
 namespace havrel {
 namespace {

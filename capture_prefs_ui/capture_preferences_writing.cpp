@@ -9,7 +9,8 @@
 #include "diagnostics/exception.h"
 #include "diagnostics/logr.h"
 #include "fs/path.h"
-#include "ui_CapturePreferencesWindow.h"
+
+#include <ui_CapturePreferencesWindow.h>
 
 namespace havrel {
 namespace {

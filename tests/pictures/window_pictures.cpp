@@ -2,7 +2,7 @@
 // Takes pictures of the capture preferences window in every state, on real items: scripts/pictures runs it once for
 // each way of showing windows (language, direction, palette, scale, font).
 //
-// usage: window_pictures [--dark] [--rtl] [--font POINTS] FOLDER SUFFIX [STATE...]
+// usage: window_pictures [--dark] [--rtl] [--font POINTS] [--language CODE] FOLDER SUFFIX [STATE...]
 #include "capture_prefs_ui/alert.h"
 #include "capture_prefs_ui/capture_preferences_controller.h"
 #include "capture_prefs_ui/capture_preferences_window.h"
@@ -16,6 +16,7 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QStyleFactory>
+#include <QTranslator>
 
 #include <cstdio>
 
@@ -156,12 +157,20 @@ int main(int argc, char** argv)
     const QCommandLineOption dark(QStringLiteral("dark"), QStringLiteral("a dark palette"));
     const QCommandLineOption mirrored(QStringLiteral("rtl"), QStringLiteral("right to left"));
     const QCommandLineOption font(QStringLiteral("font"), QStringLiteral("size of texts"), QStringLiteral("points"));
-    options.addOptions({dark, mirrored, font});
+    const QCommandLineOption language(
+        QStringLiteral("language"), QStringLiteral("of the texts"), QStringLiteral("code"));
+    options.addOptions({dark, mirrored, font, language});
     options.process(application);
     if (options.isSet(dark))
         havrel::tests::darken();
     if (options.isSet(mirrored))
         QApplication::setLayoutDirection(Qt::RightToLeft);
+    QTranslator translator;
+    if (options.isSet(language)) {
+        QLocale::setDefault(QLocale(options.value(language)));
+        if (translator.load(QStringLiteral(":/i18n/havrel_%1.qm").arg(options.value(language))))
+            QApplication::installTranslator(&translator);
+    }
     QFont texts = QApplication::font();
     texts.setPointSizeF(options.isSet(font) ? options.value(font).toDouble() : 10);
     QApplication::setFont(texts);
