@@ -4,6 +4,7 @@
 #include "capture_prefs_ui/calm_wheel.h"
 #include "capture_prefs_ui/capture_preferences_view_state.h"
 #include "capture_prefs_ui/item_texts.h"
+#include "capture_prefs_ui/leading_text.h"
 #include "capture_prefs_ui/table_view.h"
 
 #include <QButtonGroup>
@@ -70,8 +71,12 @@ CapturePreferencesWindow::CapturePreferencesWindow()
     addShortcuts();
     emphasizeName();
     m_ui->patternsTitleField->setBuddy(&m_ui->patternTable->tableView());
-    for (QTimeEdit* each : {m_ui->ignoreFromPicker, m_ui->ignoreToPicker})
+    for (QTimeEdit* each : {m_ui->ignoreFromPicker, m_ui->ignoreToPicker}) {
+        // The toolkit would show the minutes first where texts go from right to left; no language writes times so.
+        each->setLayoutDirection(Qt::LeftToRight);
         each->setDisplayFormat(timeFormat());
+    }
+    alignTexts();
 }
 
 CapturePreferencesWindow::~CapturePreferencesWindow() = default;
@@ -127,6 +132,12 @@ void CapturePreferencesWindow::emphasizeName()
     QFont title = font();
     title.setBold(true);
     m_ui->patternsTitleField->setFont(title);
+}
+
+void CapturePreferencesWindow::alignTexts()
+{
+    for (QLabel* each : {m_ui->itemNameField, m_ui->itemPlaceField, m_ui->patternsTitleField})
+        alignAtLeadingEdge(*each);
 }
 
 void CapturePreferencesWindow::showItems(const LoadedItems& loaded)
@@ -200,6 +211,8 @@ void CapturePreferencesWindow::changeEvent(QEvent* event)
 {
     if (event->type() == QEvent::FontChange)
         emphasizeName();
+    if (event->type() == QEvent::LayoutDirectionChange)
+        alignTexts();
     QWidget::changeEvent(event);
 }
 

@@ -58,6 +58,7 @@ private:
     void calmWheels();
     void addShortcuts();
     void emphasizeName();
+    void alignTexts();
     void showIgnoring(const CapturePreferencesViewState& state);
     void showScraping(const CapturePreferencesViewState& state);
 

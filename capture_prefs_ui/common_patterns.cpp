@@ -3,7 +3,7 @@
 
 #include "filters/pattern_filter_def.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace havrel {
 
@@ -73,7 +73,8 @@ withOwnPatterns(const PatternFilterDefs& edited, const PatternFilterDefs& own, c
 {
     PatternSet present(edited);
     PatternFilterDefs merged = edited;
-    for (const PatternFilterDefPtr& each : PatternSet(own).without(common).inOrder()) {
+    const PatternSet ownOnly = PatternSet(own).without(common);
+    for (const PatternFilterDefPtr& each : ownOnly.inOrder()) {
         if (present.contains(each))
             continue;
         present.add(each);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "capture_prefs_ui/status_line.h"
 
+#include "capture_prefs_ui/leading_text.h"
+
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -50,6 +52,7 @@ void StatusLine::showNotSaved(const QString& reason)
 
 void StatusLine::show(const QString& text, bool canSave)
 {
+    alignAtLeadingEdge(*m_label);
     m_label->setText(text);
     m_label->setToolTip(text);
     m_saveButton->setVisible(canSave);

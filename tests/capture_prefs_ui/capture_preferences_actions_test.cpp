@@ -4,7 +4,9 @@
 #include "capture_prefs_ui/mixed_radio_button.h"
 #include "tests/capture_prefs_ui/capture_preferences_fixture.h"
 
+#include <QApplication>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTest>
 #include <QTimeEdit>
@@ -299,6 +301,17 @@ TEST_F(CapturePreferencesActions, ShowNoUnitForANumberThatNamesNone)
     m_controller.makeDirty();
     write();
     EXPECT_EQ(static_cast<int>(stored("first").ignoreScale), 17);
+}
+
+TEST_F(CapturePreferencesActions, ShowTimesInTheirOrderFromRightToLeft)
+{
+    QLocale::setDefault(QLocale::c());
+    prepare({"first"});
+    QApplication::setLayoutDirection(Qt::RightToLeft);
+    EXPECT_EQ(control<QTimeEdit>("ignoreToPicker").text(), QStringLiteral("17:00"));
+    EXPECT_TRUE(control<QLabel>("itemNameField").alignment().testFlag(Qt::AlignRight));
+    QApplication::setLayoutDirection(Qt::LeftToRight);
+    EXPECT_TRUE(control<QLabel>("itemNameField").alignment().testFlag(Qt::AlignLeft));
 }
 
 } // namespace

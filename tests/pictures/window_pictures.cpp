@@ -130,11 +130,12 @@ int run(const QStringList& arguments)
     qputenv("HOME", tree.bytes("")); // so that the pictures say "~/Documents" everywhere
     qputenv("XDG_STATE_HOME", tree.bytes("state"));
     storeAll(tree);
+    const QString suffix = arguments[1].isEmpty() ? QString() : u'-' + arguments[1];
     for (const Picture& each : pictures()) {
         const QString name = QLatin1String(each.name);
         if (arguments.size() > 2 && !arguments.mid(2).contains(name))
             continue;
-        const QString file = QDir(arguments[0]).filePath(name + arguments[1] + QStringLiteral(".png"));
+        const QString file = QDir(arguments[0]).filePath(name + suffix + QStringLiteral(".png"));
         if (!take(each, tree, file)) {
             std::fprintf(stderr, "cannot take %s\n", qPrintable(file));
             return 1;
