@@ -277,11 +277,11 @@
     <name>havrel::CapturePreferencesController</name>
     <message>
         <source>Reading the capture preferences of %1 items...</source>
-        <translation>Die Sicherungseinstellungen: %1 Objekten werden gelesen …</translation>
+        <translation>Die Sicherungseinstellungen von %1 Objekten werden gelesen …</translation>
     </message>
     <message>
         <source>Writing the capture preferences of %1 items...</source>
-        <translation>Die Sicherungseinstellungen: %1 Objekten werden geschrieben …</translation>
+        <translation>Die Sicherungseinstellungen von %1 Objekten werden geschrieben …</translation>
     </message>
     <message>
         <source>stopped after %1 of %2 items</source>
@@ -367,28 +367,28 @@
         <translation>&amp;Glob-Muster</translation>
     </message>
     <message>
-        <source>*.tmp: all names that end in .tmp</source>
-        <translation>*.tmp: alle Namen, die auf .tmp enden</translation>
-    </message>
-    <message>
         <source>&amp;Regular Expression</source>
         <translation>&amp;Regulärer Ausdruck</translation>
-    </message>
-    <message>
-        <source>^[0-9]+$: all names made of digits</source>
-        <translation>^[0-9]+$: alle Namen aus Ziffern</translation>
     </message>
     <message>
         <source>&amp;Complete Pattern</source>
         <translation>&amp;Vollständiges Muster</translation>
     </message>
     <message>
-        <source>Library//Cache*/+: caches in Library and below</source>
-        <translation>Library//Cache*/+: Caches in Library und darunter</translation>
-    </message>
-    <message>
         <source>Nothing is left out. Press + to add a pattern, or drop patterns here as text.</source>
         <translation>Es wird nichts ausgelassen. Fügen Sie mit + ein Muster hinzu, oder ziehen Sie Muster als Text hierher.</translation>
+    </message>
+    <message>
+        <source>all names that end in .tmp</source>
+        <translation>alle Namen, die auf .tmp enden</translation>
+    </message>
+    <message>
+        <source>all names made of digits</source>
+        <translation>alle Namen aus Ziffern</translation>
+    </message>
+    <message>
+        <source>caches in Library and below</source>
+        <translation>Caches in Library und darunter</translation>
     </message>
 </context>
 <context>
