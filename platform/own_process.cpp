@@ -5,6 +5,8 @@
 #include "platform/file_names.h"
 
 #include <cerrno>
+#include <cstdlib>
+#include <memory>
 
 #include <unistd.h>
 
@@ -36,6 +38,16 @@ QStringList processArguments()
     for (const QByteArray& argument : arguments)
         texts << textOfFileName(argument);
     return texts;
+}
+
+QByteArray workingFolder()
+{
+    struct Free
+    {
+        void operator()(char* text) const noexcept { std::free(text); }
+    };
+    const std::unique_ptr<char, Free> folder(::getcwd(nullptr, 0));
+    return {folder.get()};
 }
 
 } // namespace havrel::platform

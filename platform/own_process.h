@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -31,5 +32,12 @@ namespace havrel::platform {
 ///
 /// Threads: any thread.
 [[nodiscard]] QStringList processArguments();
+
+/// The folder to which relative paths are relative; an empty one when the system does not tell.
+///
+/// \source getcwd(3)
+///
+/// Threads: any thread.
+[[nodiscard]] QByteArray workingFolder();
 
 } // namespace havrel::platform

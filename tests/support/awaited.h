@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "foundation/thread_annotations.h"
+
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -17,15 +17,18 @@ class Awaited
 public:
     void tell(Value value)
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_values.push_back(std::move(value));
-        m_changed.notify_all();
+        m_told.notifyAll();
     }
     /// The first \p count values; fewer when they do not come.
     std::vector<Value> first(std::size_t count)
     {
-        std::unique_lock lock(m_mutex);
-        m_changed.wait_for(lock, std::chrono::seconds(60), [&] { return m_values.size() >= count; });
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        const MutexLock lock(m_mutex);
+        while (m_values.size() < count)
+            if (!m_told.waitUntil(m_mutex, deadline))
+                break;
         return m_values;
     }
     /// The first one; none when it does not come.
@@ -36,14 +39,14 @@ public:
     }
     std::size_t count()
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         return m_values.size();
     }
 
 private:
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    std::vector<Value> m_values;
+    Mutex m_mutex;
+    ConditionVariable m_told;
+    std::vector<Value> m_values HAVREL_GUARDED_BY(m_mutex);
 };
 
 } // namespace havrel::tests
