@@ -120,8 +120,8 @@ class Program
 {
 public:
     Program(std::span<const SubcommandGroup> groups, std::span<const Subcommand> subcommands)
-        : m_app("Reads and writes capture preferences, checks exclusion patterns, and brings Havrel's commands to file "
-                "managers.",
+        : m_app("Reads and writes capture preferences, checks exclusion patterns, asks the service for the rest, "
+                "and brings Havrel's commands to file managers.",
                 "havrel")
     {
         m_app.set_version_flag("--version", "havrel " HAVREL_VERSION, "Show the version and exit");

@@ -21,9 +21,12 @@ constexpr auto kGroups = std::to_array<SubcommandGroup>({
 });
 
 constexpr auto kSubcommands = std::to_array<Subcommand>({
+    {"", "capture", "Capture items into an archive that you choose", defineCapture},
+    {"", "reveal", "Show items in an archive that you choose", defineReveal},
     {"captureprefs", "show", "Show the preferences of items", defineCaptureprefsShow},
     {"captureprefs", "set", "Change the preferences of items", defineCaptureprefsSet},
     {"captureprefs", "clear", "Remove the preferences of items", defineCaptureprefsClear},
+    {"captureprefs", "edit", "Open a window that edits the preferences of items", defineCaptureprefsEdit},
     {"captureprefs", "list", "Find the items below folders that carry preferences", defineCaptureprefsList},
     {"captureprefs", "export", "Write the preferences of everything below folders as JSON", defineCaptureprefsExport},
     {"captureprefs", "import", "Give items the preferences that were exported", defineCaptureprefsImport},

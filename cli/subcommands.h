@@ -5,9 +5,11 @@ namespace havrel::cli {
 
 class Command;
 
-// One source a subcommand, named after it. Each tells its options, its help, and what it does.
+// One source a subcommand, named after it; those that ask the service stand together in service_requests.cpp. Each tells its options, its help, and what it does.
 
+void defineCapture(Command& command);
 void defineCaptureprefsClear(Command& command);
+void defineCaptureprefsEdit(Command& command);
 void defineCaptureprefsExport(Command& command);
 void defineCaptureprefsImport(Command& command);
 void defineCaptureprefsList(Command& command);
@@ -16,5 +18,6 @@ void defineCaptureprefsShow(Command& command);
 void defineIntegrations(Command& command);
 void defineLogId(Command& command);
 void definePatternCheck(Command& command);
+void defineReveal(Command& command);
 
 } // namespace havrel::cli

@@ -35,6 +35,11 @@ bool isThisComputer(const QByteArray& host)
 
 } // namespace
 
+QByteArray fileURIOfPath(const QByteArray& path)
+{
+    return "file://" + path.toPercentEncoding("/");
+}
+
 bool isFileURI(QByteArrayView text)
 {
     return text.size() >= kScheme.size() && text.first(kScheme.size()).compare(kScheme, Qt::CaseInsensitive) == 0;

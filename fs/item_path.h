@@ -21,6 +21,13 @@ struct ItemPath
 /// Threads: any thread.
 [[nodiscard]] ItemPath pathOfFileURI(const QByteArray& uri);
 
+/// The "file:" URI of the absolute \p path; every byte comes back from it.
+///
+/// \source RFC 8089, RFC 3986, section 2.3
+///
+/// Threads: any thread.
+[[nodiscard]] QByteArray fileURIOfPath(const QByteArray& path);
+
 /// Whether \p text begins with "file:", in whatever case.
 ///
 /// Threads: any thread.
