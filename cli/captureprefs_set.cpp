@@ -187,7 +187,7 @@ QString store(const QByteArray& path, const QVariantMap& dictionary, bool force)
     const PropertyListWriting record = binaryPropertyList(dictionary);
     if (record.error)
         return record.error->localizedDescription();
-    const QString fault = storePreferences(path, record.bytes, force);
+    QString fault = storePreferences(path, record.bytes, force);
     if (fault.isNull())
         attribute::warnOfLostRecord(path, record.bytes.size());
     return fault;
@@ -200,10 +200,10 @@ QString set(const QByteArray& path, const PreferencesChanges& changes, bool forc
     const bool isKnown = reading.state == attribute::State::Readable || reading.state == attribute::State::Missing;
     if (!isKnown && !(force && isReplaceable(reading)))
         return unreadableText(reading, path);
-    if (const QString refusal = refusalToDetail(changes, reading.dictionary); !refusal.isNull())
+    if (QString refusal = refusalToDetail(changes, reading.dictionary); !refusal.isNull())
         return refusal;
     FileCapturePreferences preferences(reading.dictionary);
-    if (const QString refusal = changes.applyTo(preferences); !refusal.isNull())
+    if (QString refusal = changes.applyTo(preferences); !refusal.isNull())
         return refusal;
     return store(path, dictionaryOf(preferences, changes, reading.dictionary), force);
 }

@@ -192,7 +192,7 @@ private:
         if (digits.size() != 4 || read.ptr != digits.end())
             fail("\\u wants four hexadecimal digits");
         m_at += 4;
-        return QChar(static_cast<char16_t>(unit));
+        return {static_cast<char16_t>(unit)};
     }
 
     void skipDigits()

@@ -60,7 +60,7 @@ QByteArray jsonTexts(const QStringList& texts)
 
 QByteArray jsonReal(double value)
 {
-    std::array<char, 32> digits;
+    std::array<char, 32> digits{};
     const auto written = std::to_chars(digits.data(), digits.data() + digits.size(), value);
     QByteArray json(digits.data(), written.ptr - digits.data());
     if (!json.contains('.') && !json.contains('e'))
@@ -80,7 +80,8 @@ JsonObject& JsonObject::add(QStringView key, QByteArrayView value)
 
 QByteArray JsonObject::take()
 {
-    return std::move(m_json) + '}';
+    m_json += '}';
+    return std::move(m_json);
 }
 
 } // namespace havrel::cli

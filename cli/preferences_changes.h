@@ -45,7 +45,7 @@ struct PreferencesChanges
     [[nodiscard]] QString applyTo(FileCapturePreferences& preferences) const;
 
 private:
-    [[nodiscard]] QString refusalFor(CaptureOption option) const;
+    [[nodiscard]] QString refusalFor(CaptureOption held) const;
     void applyIgnoring(FileCapturePreferences& preferences, bool wasIgnoring) const;
     void applyScraping(FileCapturePreferences& preferences) const;
     void applyPatterns(FileCapturePreferences& preferences) const;

@@ -121,7 +121,7 @@ PropertyListFromJson readDate(const QVariant& json)
     QDateTime date = QDateTime::fromString(json.toString(), QString::fromLatin1(kDateFormat));
     date.setTimeSpec(Qt::UTC);
     if (json.typeId() != QMetaType::QString || !date.isValid())
-        return fault("\"$date\" wants a string like \"2001-01-01T00:00:00.000Z\"");
+        return fault(R"("$date" wants a string like "2001-01-01T00:00:00.000Z")");
     return {date, {}};
 }
 
@@ -130,7 +130,7 @@ PropertyListFromJson readReal(const QVariant& json)
     for (const NamedReal& each : kNamedReals)
         if (json.typeId() == QMetaType::QString && json.toString() == each.name)
             return {each.value, {}};
-    return fault("\"$real\" wants \"nan\", \"inf\" or \"-inf\"");
+    return fault(R"("$real" wants "nan", "inf" or "-inf")");
 }
 
 PropertyListFromJson readUID(const QVariant& json)

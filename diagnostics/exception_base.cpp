@@ -139,7 +139,7 @@ Exception::Exception(Kind kind, const QString& name, const QString& reason)
 }
 
 Exception::Exception(std::shared_ptr<Body> body)
-    : m_body(std::move(body))
+    : m_body(std::move(body)) // NOLINT(bugprone-throw-keyword-missing): not an exception
 {
 }
 

@@ -34,7 +34,7 @@ public:
     Exception& operator=(const Exception&) = default;
     // A move is a copy: both share the body, so what was moved from is still whole.
     Exception(Exception&& other) noexcept
-        : Exception(other)
+        : Exception(other) // NOLINT(performance-move-constructor-init)
     {
     }
     Exception& operator=(Exception&& other) noexcept { return *this = other; }

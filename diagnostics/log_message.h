@@ -61,8 +61,8 @@ private:
     [[nodiscard]] bool isText() const noexcept { return m_byteCount == kIsText; }
 
     union {
-        QString m_text;
-        Bytes m_bytes;
+        QString m_text; // NOLINT(readability-identifier-naming): private, which the check does not see
+        Bytes m_bytes;  // NOLINT(readability-identifier-naming)
     };
     unsigned char m_byteCount = kIsText;
 };

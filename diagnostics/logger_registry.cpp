@@ -4,8 +4,6 @@
 #include "diagnostics/nslog_logr.h"
 #include "diagnostics/null_logr.h"
 
-#include <utility>
-
 namespace havrel {
 namespace {
 
@@ -26,10 +24,10 @@ LoggerRegistry& LoggerRegistry::shared()
     return s_registry;
 }
 
-void LoggerRegistry::add(const QString& className, LoggerFactory factory)
+void LoggerRegistry::add(const QString& className, const LoggerFactory& factory)
 {
     const MutexLock guard(m_lock);
-    m_factories.insert(className, std::move(factory));
+    m_factories.insert(className, factory);
 }
 
 std::shared_ptr<Logr> LoggerRegistry::make(const QString& className) const

@@ -26,7 +26,7 @@ public:
     [[nodiscard]] static LoggerRegistry& shared();
 
     /// A second class of the same name replaces the first.
-    void add(const QString& className, LoggerFactory factory) HAVREL_EXCLUDES(m_lock);
+    void add(const QString& className, const LoggerFactory& factory) HAVREL_EXCLUDES(m_lock);
     /// A new logger; null when no class of that name is known. Raises what its factory raises.
     [[nodiscard]] std::shared_ptr<Logr> make(const QString& className) const HAVREL_EXCLUDES(m_lock);
 

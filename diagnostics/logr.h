@@ -288,8 +288,8 @@ private:
                                         const LogLineIdentPtr& inLine,
                                         fmt::string_view format,
                                         fmt::format_args arguments);
-    void writeQueued(const QueuedLine& line);
-    void judge(const QueuedLine& line);
+    void writeQueued(const QueuedLine& queued);
+    void judge(const QueuedLine& queued);
     LogLineIdentPtr writeCausal(const ExceptionStyle& style, const LogLineIdentPtr& inLine, const Exception& exception);
     void writeBacktrace(const LogLineIdentPtr& inLine, const platform::ReturnAddresses& addresses);
 

@@ -41,7 +41,7 @@ struct Logr::QueuedLine
         const LogMessage& message;
         const LogLineIdentPtr& identity;
         LogDate date;
-        LogClassification classification;
+        LogClassification classification{};
     };
 
     explicit QueuedLine(const Request& request)

@@ -35,10 +35,12 @@ struct ValueWriter
     Logr& logger;
     int depth = 0; // containers around the value
 
+    // NOLINTNEXTLINE(modernize-use-nodiscard): asked for what it writes
     LogLineIdentPtr writeKey(LogClassification classification,
                              const LogLineIdentPtr& inLine,
                              const QString& key,
                              const QVariant& value) const;
+    // NOLINTNEXTLINE(modernize-use-nodiscard): the same
     LogLineIdentPtr writeDictionary(LogClassification classification,
                                     const UserInfoLogClassifications& map,
                                     const LogLineIdentPtr& inLine,

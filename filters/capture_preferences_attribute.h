@@ -7,7 +7,7 @@
 #include <QString>
 #include <QVariantMap>
 
-namespace havrel {
+namespace havrel { // NOLINT(modernize-concat-nested-namespaces): the inner one is documented
 
 /// The attribute that carries an item's capture preferences: a binary property list with a dictionary as its root. A
 /// list in XML is read too, because other programs may have written one.

@@ -27,7 +27,7 @@ public:
     }
 
 private:
-    bool isSlash(qsizetype place) const { return place < m_text.size() && m_text[place] == u'/'; }
+    [[nodiscard]] bool isSlash(qsizetype place) const { return place < m_text.size() && m_text[place] == u'/'; }
 
     PatternFault readComponents()
     {

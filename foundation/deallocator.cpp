@@ -37,8 +37,7 @@ void MTKDeallocator::invokeCallbacks()
         runAtWall([&] { callback(m_owner); });
 }
 
-void mtk_addDeallocationCallback(QObject& object,
-                                 MTKDeallocator::Callback callback) // NOLINT(readability-identifier-naming)
+void mtk_addDeallocationCallback(QObject& object, MTKDeallocator::Callback callback)
 {
     ObservationHub::of(object).deallocator().addCallback(std::move(callback));
 }

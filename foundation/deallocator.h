@@ -47,8 +47,7 @@ private:
 ///
 /// Threads: any thread.
 /// \selector mtk_addDeallocationCallback:
-void mtk_addDeallocationCallback(QObject& object, // NOLINT(readability-identifier-naming): the operation's own name
-                                 MTKDeallocator::Callback callback);
+void mtk_addDeallocationCallback(QObject& object, MTKDeallocator::Callback callback);
 
 /// Makes sure that the death of \p object is noticed. An `Observable` tells by itself; from any other object its signal
 /// destroyed() is asked for, once. The other operations of observation do this for themselves.

@@ -13,7 +13,7 @@
 namespace havrel {
 namespace {
 
-using namespace keyed_archive;
+using namespace keyed_archive; // NOLINT(google-build-using-namespace): the format's own names
 using Kind = PropertyListKind;
 
 /// Levels that canEncodeObject() wants below containers and instances: a property list of the greatest depth, and the

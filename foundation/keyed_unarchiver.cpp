@@ -16,7 +16,7 @@
 namespace havrel {
 namespace {
 
-using namespace keyed_archive;
+using namespace keyed_archive; // NOLINT(google-build-using-namespace): the format's own names
 using Kind = PropertyListKind;
 
 constexpr int kAnySet = -1; // in keys of what does not depend on the set of classes
@@ -43,7 +43,7 @@ QVariantMap contentsOf(const QByteArray& archive)
 
 QVariant fieldOfKind(const QVariantMap& fields, const QString& key, Kind kind)
 {
-    const QVariant value = fields.value(key);
+    QVariant value = fields.value(key);
     if (propertyListKindOf(value) != kind)
         raiseDamagedField(key);
     return value;
@@ -53,7 +53,7 @@ QDateTime dateIn(const QVariantMap& fields)
 {
     const QVariant seconds = fields.value(kTimeField);
     const Kind kind = propertyListKindOf(seconds);
-    const QDateTime date = dateFromReferenceInterval(seconds.toDouble());
+    QDateTime date = dateFromReferenceInterval(seconds.toDouble());
     if ((kind != Kind::Real && kind != Kind::Signed) || !date.isValid())
         raiseDamagedField(kTimeField);
     return date;

@@ -51,7 +51,7 @@ private:
     using Key = std::pair<qsizetype, int>; // the object's index and that of the set of classes it was read with
 
     QVariant decodeReference(const QVariant& reference);
-    qsizetype indexOf(const QVariant& reference) const;
+    [[nodiscard]] qsizetype indexOf(const QVariant& reference) const;
     QVariant decodeAt(qsizetype index);
     QVariant decodeStored(qsizetype index);
     QVariant decodeFields(qsizetype index, const QVariantMap& fields);
@@ -60,7 +60,7 @@ private:
     QVariant decodeList(const QVariantMap& fields);
     QVariant decodeMap(const QVariantMap& fields);
     QVariantList objectsIn(const QVariantMap& fields, const QString& field);
-    QString classNameOf(const QVariantMap& fields) const;
+    [[nodiscard]] QString classNameOf(const QVariantMap& fields) const;
     void checkClass(const QString& name, const QStringList& superclasses) const;
     int indexOfClasses(const QStringList& classes);
 

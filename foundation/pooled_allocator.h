@@ -35,7 +35,8 @@ public:
     /// Gives a block back.
     static void give(void* bytes) noexcept
     {
-        Slab* const slab = *std::launder(reinterpret_cast<Slab**>(static_cast<std::byte*>(bytes) - sizeof(Slab*)));
+        Slab* const slab = *std::launder(reinterpret_cast<Slab**>(static_cast<std::byte*>(bytes) -
+                                                                  sizeof(Slab*))); // NOLINT(bugprone-sizeof-expression)
         letGo(slab, 1);
     }
 

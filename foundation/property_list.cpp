@@ -5,12 +5,14 @@
 #include "foundation/property_list_kind.h"
 #include "foundation/xml_property_list.h"
 
+#include <array>
+
 namespace havrel {
 namespace {
 
 bool looksLikeXML(const QByteArray& bytes)
 {
-    static constexpr const char* kByteOrderMarks[] = {"\xEF\xBB\xBF", "\xFE\xFF", "\xFF\xFE"};
+    static constexpr std::array kByteOrderMarks{"\xEF\xBB\xBF", "\xFE\xFF", "\xFF\xFE"};
     for (const char* mark : kByteOrderMarks) {
         if (bytes.startsWith(mark))
             return true;

@@ -41,7 +41,8 @@ public:
     public:
         template<class Callable>
         requires(!std::same_as<std::remove_cvref_t<Callable>, Source> && std::invocable<QueuedAs<Callable>&>)
-            Source(Callable&& callable) // NOLINT(google-explicit-constructor): stands where a callable is expected
+            Source(Callable&& callable) // NOLINT(google-explicit-constructor,bugprone-forwarding-reference-overload):
+                                        // stands where a callable is expected
             : m_callable(const_cast<void*>(static_cast<const void*>(std::addressof(callable))))
             , m_place(placeFrom<Callable&&>)
         {
@@ -100,6 +101,7 @@ private:
     {
         using Held = QueuedAs<Callable>;
         auto&& source = static_cast<Callable>(*static_cast<std::remove_reference_t<Callable>*>(callable));
+        // NOLINTNEXTLINE(misc-redundant-expression): what the two sizes are depends on the callable
         if constexpr (sizeof(Held) <= kSize && alignof(Held) <= alignof(void*))
             block.hold<Held>(std::forward<Callable>(source));
         else

@@ -53,7 +53,7 @@ private:
 
     bool isWithinBounds(int depth);
     QVariant fail(const QString& fault);
-    bool failed() const { return !m_fault.isNull(); }
+    [[nodiscard]] bool failed() const { return !m_fault.isNull(); }
 
     QXmlStreamReader m_xml;
     int m_visited = 0;
@@ -170,7 +170,7 @@ QVariant Reader::map(int depth)
 
 QVariant Reader::scalar(const QString& name)
 {
-    static constexpr struct
+    static constexpr struct // NOLINT(modernize-avoid-c-arrays): its rows are counted
     {
         QLatin1StringView name;
         Decode decode;
@@ -226,7 +226,7 @@ QVariant Reader::integer(const QString& text)
 
 QVariant Reader::real(const QString& text)
 {
-    static constexpr struct
+    static constexpr struct // NOLINT(modernize-avoid-c-arrays): its rows are counted
     {
         QLatin1StringView text;
         double number;

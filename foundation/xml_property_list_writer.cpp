@@ -58,7 +58,7 @@ private:
     void addContainer(const QVariant& value, Kind kind, int depth);
     void addScalar(const QVariant& value, Kind kind);
     void addMap(const QVariantMap& map, int depth);
-    void addText(QLatin1StringView element, const QString& text);
+    void addText(QLatin1StringView name, const QString& text);
     void addDate(const QDateTime& date);
     void addUID(PropertyListUID uid);
     void element(QLatin1StringView name, const QString& text) { m_xml.writeTextElement(QString(name), text); }

@@ -28,6 +28,7 @@ ReturnAddresses currentReturnAddresses()
 std::optional<SymbolLocation> symbolAt(std::uintptr_t address)
 {
     Dl_info info{};
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): an address is what is looked up
     if (::dladdr(reinterpret_cast<void*>(address), &info) ==
         0) // NOLINT(performance-no-int-to-ptr): an address, not an object
         return std::nullopt;

@@ -47,7 +47,7 @@ std::strong_ordering collate(QStringView left, QStringView right)
     // ICU takes a null pointer for a mistake of the caller, not for an empty text.
     if (left.isNull() || right.isNull())
         return left.size() <=> right.size();
-    if (const std::strong_ordering order = collated(left, right); order != 0)
+    if (const std::strong_ordering order = collated(left, right); order != 0) // NOLINT(modernize-use-nullptr)
         return order;
     return ::u_strCompare(left.utf16(), lengthOf(left), right.utf16(), lengthOf(right), true) <=> 0;
 }

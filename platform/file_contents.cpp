@@ -11,7 +11,7 @@
 namespace havrel::platform {
 namespace {
 
-constexpr qsizetype kChunk = 64 * 1024; // bytes asked for at a time
+constexpr qsizetype kChunk = qsizetype{64} * 1024; // bytes asked for at a time
 
 /// Reads on until the end of the file. Answers 0 or an errno value.
 int readToEnd(int descriptor, QByteArray& bytes)

@@ -19,6 +19,7 @@ namespace {
 constexpr std::size_t kMostProcessors =
     1U << 20; // far beyond what a kernel is built for; ends the search for a set's size
 
+// NOLINTNEXTLINE(modernize-avoid-c-arrays): the system's own type
 QByteArray textOfSystem(const char (utsname::*field)[sizeof(utsname::sysname)])
 {
     utsname names{};
@@ -41,11 +42,11 @@ int processorsInSetOf(std::size_t size)
 class RunningSystem final : public Host
 {
 public:
-    QByteArray systemName() const override { return textOfSystem(&utsname::sysname); }
-    QByteArray release() const override { return textOfSystem(&utsname::release); }
-    QByteArray hostName() const override { return textOfSystem(&utsname::nodename); }
+    [[nodiscard]] QByteArray systemName() const override { return textOfSystem(&utsname::sysname); }
+    [[nodiscard]] QByteArray release() const override { return textOfSystem(&utsname::release); }
+    [[nodiscard]] QByteArray hostName() const override { return textOfSystem(&utsname::nodename); }
 
-    QByteArray osRelease() const override
+    [[nodiscard]] QByteArray osRelease() const override
     {
         for (const auto& path : {QStringLiteral("/etc/os-release"), QStringLiteral("/usr/lib/os-release")}) {
             QFile file(path);
@@ -55,7 +56,7 @@ public:
         return {};
     }
 
-    int activeProcessors() const override
+    [[nodiscard]] int activeProcessors() const override
     {
         int count = -1;
         for (std::size_t size = CPU_SETSIZE; count < 0 && size <= kMostProcessors; size *= 2)
@@ -63,7 +64,7 @@ public:
         return count > 0 ? count : std::max(1, static_cast<int>(::sysconf(_SC_NPROCESSORS_ONLN)));
     }
 
-    std::optional<std::chrono::nanoseconds> timeSinceBoot() const override
+    [[nodiscard]] std::optional<std::chrono::nanoseconds> timeSinceBoot() const override
     {
         timespec time{};
         if (::clock_gettime(CLOCK_BOOTTIME, &time) != 0)

@@ -12,10 +12,10 @@ namespace {
 class IdentityOfTheProcess final : public Identity
 {
 public:
-    uid_t realUser() const override { return ::getuid(); }
-    uid_t effectiveUser() const override { return ::geteuid(); }
-    gid_t realGroup() const override { return ::getgid(); }
-    gid_t effectiveGroup() const override { return ::getegid(); }
+    [[nodiscard]] uid_t realUser() const override { return ::getuid(); }
+    [[nodiscard]] uid_t effectiveUser() const override { return ::geteuid(); }
+    [[nodiscard]] gid_t realGroup() const override { return ::getgid(); }
+    [[nodiscard]] gid_t effectiveGroup() const override { return ::getegid(); }
     int setEffectiveUser(uid_t user) override { return ::seteuid(user) == 0 ? 0 : errno; }
     int setEffectiveGroup(gid_t group) override { return ::setegid(group) == 0 ? 0 : errno; }
 };

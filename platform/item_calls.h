@@ -34,6 +34,7 @@ struct ItemCalls
     std::function<int(const char* contents, int folder, const char* name)> symlinkat;
     std::function<int(int fromFolder, const char* from, int toFolder, const char* to, int flags)> linkat;
     std::function<int(int folder, const char* name, mode_t mode, dev_t device)> mknodat;
+    // NOLINTNEXTLINE(modernize-avoid-c-arrays): as the system declares it
     std::function<int(int folder, const char* name, const struct timespec times[2], int flags)> utimensat;
     std::function<int(int folder, const char* name, uid_t owner, gid_t group, int flags)> fchownat;
 

@@ -16,7 +16,7 @@ namespace havrel::platform {
 namespace {
 
 /// Bytes that are read before they are written.
-constexpr std::size_t kBufferSize = 256 * 1024;
+constexpr std::size_t kBufferSize = std::size_t{256} * 1024;
 /// Bytes asked of the kernel at once.
 constexpr off_t kMostAtOnce = 1 << 30;
 constexpr off_t kUnknownEnd = std::numeric_limits<off_t>::max();

@@ -19,7 +19,7 @@ struct ItemIdentity
     dev_t device = 0;
     ino_t inode = 0;
 
-    friend auto operator<=>(const ItemIdentity&, const ItemIdentity&) = default;
+    friend auto operator<=>(const ItemIdentity&, const ItemIdentity&) = default; // NOLINT(modernize-use-nullptr)
 };
 
 [[nodiscard]] ItemIdentity identityOf(const struct stat& status);

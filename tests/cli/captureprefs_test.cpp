@@ -149,9 +149,8 @@ TEST_F(Captureprefs, KeepsWhatANewerProgramStoredUnlessItIsNamed)
 TEST_F(Captureprefs, LeavesTheItemAloneWhenNothingChanges)
 {
     set({"--exclude"}, "file");
-    struct stat before
-    {
-    }, after{};
+    struct stat before = {};
+    struct stat after = {};
     ::lstat(m_tree.path("file").c_str(), &before);
     set({"--exclude"}, "file");
     ::lstat(m_tree.path("file").c_str(), &after);

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <stdlib.h>
+#include <stdlib.h> // NOLINT(modernize-deprecated-headers): declares setenv
 
 namespace havrel::cli {
 namespace {

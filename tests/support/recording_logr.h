@@ -51,7 +51,7 @@ public:
     {
         const QString under = u'[' + top->description();
         QStringList shown;
-        for (QString line : lines())
+        for (const QString& line : lines())
             shown << line.mid(kDateLength).replace(under, QStringLiteral("["));
         return shown;
     }
