@@ -6,7 +6,8 @@
 #include <QCoreApplication>
 #include <QThread>
 
-#include <cstdlib>
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace havrel {
@@ -25,32 +26,25 @@ QtMessageHandler& handlerBefore()
     return handler;
 }
 
-void displayHasGone()
-{
-    if (const auto act = std::exchange(watching(), nullptr))
-        runAtWall(act);
-}
+constexpr std::array kTold{
+    QLatin1StringView("The X11 connection broke"),
+    QLatin1StringView("The Wayland connection broke"),
+    QLatin1StringView("The Wayland connection experienced a fatal error"),
+};
 
-/// The main thread's exit while its event loop still runs is the toolkit's.
-void atExit()
+bool isOnMainThread()
 {
-    if (QCoreApplication::instance() != nullptr && QThread::currentThread() == QCoreApplication::instance()->thread())
-        displayHasGone();
-}
-
-/// \source the texts of the toolkit's Wayland client, QWaylandDisplay::checkWaylandError
-bool tellsOfALostCompositor(const QString& message)
-{
-    return message.startsWith(QLatin1StringView("The Wayland connection broke")) ||
-           message.startsWith(QLatin1StringView("The Wayland connection experienced a fatal error"));
+    return QCoreApplication::instance() != nullptr &&
+           QThread::currentThread() == QCoreApplication::instance()->thread();
 }
 
 void hearMessage(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
     if (handlerBefore() != nullptr)
         handlerBefore()(type, context, message);
-    if (tellsOfALostCompositor(message))
-        atExit();
+    const auto begins = [&message](QLatin1StringView each) { return message.startsWith(each); };
+    if (watching() && isOnMainThread() && std::ranges::any_of(kTold, begins))
+        runAtWall(std::exchange(watching(), nullptr));
 }
 
 } // namespace
@@ -59,8 +53,6 @@ DisplayLossWatch::DisplayLossWatch(std::function<void()> act)
 {
     watching() = std::move(act);
     handlerBefore() = qInstallMessageHandler(hearMessage);
-    static const bool registered = std::atexit(atExit) == 0;
-    static_cast<void>(registered); // without it only a write in time is lost
 }
 
 DisplayLossWatch::~DisplayLossWatch()

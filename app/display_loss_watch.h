@@ -8,8 +8,11 @@ namespace havrel {
 /// Calls \p act when the toolkit is about to end the process because the display has gone, as long as it lives; one at
 /// a time. By then windows can neither be painted nor closed, but files can be written.
 ///
-/// The X11 back end calls exit(3), the Wayland back end _exit(2) after it has told so in a message: there is no other
-/// way to hear of it. \p act is called at most once, and not at an exit that is none of the toolkit's.
+/// The toolkit tells so in a message of its log and exits: that message is the only moment that it gives. Later, in
+/// exit(3), objects that live as long as the process have begun to go. So this hears nothing where logging rules shut
+/// the toolkit's warnings out. \p act is called at most once.
+///
+/// \source the texts of Qt 6: QXcbConnection::processXcbEvents, QWaylandDisplay::checkWaylandError
 ///
 /// Threads: the main thread only.
 class DisplayLossWatch

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+#include "app/service_program.h"
+
+#include "app/havrel_services.h"
+#include "app/service_application_delegate.h"
+#include "app/service_face.h"
+#include "diagnostics/logr.h"
+#include "foundation/error.h"
+#include "platform/termination_signals.h"
+
+#include <QGuiApplication>
+#include <QSessionManager>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+namespace havrel {
+namespace {
+
+constexpr int kFailed = 1;
+
+void tell(const QString& text)
+{
+    static_cast<void>(std::fprintf(stderr, "havrel-service: %s\n", text.toLocal8Bit().constData()));
+}
+
+/// Tells why the service cannot be seen on the bus. \return the exit status
+int statusOf(int appearError)
+{
+    if (appearError == EEXIST) {
+        tell(QStringLiteral("another process serves already"));
+        return 0;
+    }
+    tell(QStringLiteral("cannot serve on the session bus: %1").arg(systemErrorText(appearError)));
+    return kFailed;
+}
+
+} // namespace
+
+ServiceProgram::ServiceProgram(std::chrono::milliseconds idleInterval, platform::TerminationSignals& signals)
+    : m_signalled(signals.descriptor(), QSocketNotifier::Read)
+    , m_bus({.disconnected =
+                 [this] {
+                     QMetaObject::invokeMethod(
+                         &m_signalled, [this] { endNow(); }, Qt::QueuedConnection);
+                 }})
+    , m_displayLoss([this] { displayHasGone(); })
+{
+    m_delegate = std::make_shared<ServiceApplicationDelegate>(
+        ServiceApplicationDelegate::Surroundings{.alerts = m_alerts,
+                                                 .applications = m_applications,
+                                                 .timers = m_timers,
+                                                 .registerServices = [this] { appear(); },
+                                                 .terminate = [this] { terminate(); },
+                                                 .idleInterval = idleInterval});
+    ServiceApplicationDelegate::setOfApplication(m_delegate);
+    QObject::connect(&m_signalled, &QSocketNotifier::activated, &m_signalled, [this, &signals] {
+        if (signals.take() != 0)
+            endNow();
+    });
+    listenToTheSession();
+}
+
+ServiceProgram::~ServiceProgram()
+{
+    m_face.reset();
+    HavrelServices::forgetSharedServices();
+    ServiceApplicationDelegate::setOfApplication(nullptr);
+}
+
+int ServiceProgram::run()
+{
+    ServiceApplicationDelegate::applicationWillFinishLaunching();
+    m_delegate->applicationDidFinishLaunching();
+    int status = 0;
+    if (m_appearError != 0)
+        status = statusOf(m_appearError);
+    else
+        status = QCoreApplication::exec();
+    m_alerts.end();
+    m_delegate->writePendingChanges();
+    ServiceApplicationDelegate::applicationWillTerminate(status);
+    return status;
+}
+
+/// The desktop's session may end at any time, and must not start the service again: a request does.
+void ServiceProgram::listenToTheSession()
+{
+    QObject::connect(
+        qGuiApp,
+        &QGuiApplication::commitDataRequest,
+        &m_signalled,
+        [this](QSessionManager&) { m_delegate->writePendingChanges(); },
+        Qt::DirectConnection);
+    QObject::connect(
+        qGuiApp,
+        &QGuiApplication::saveStateRequest,
+        &m_signalled,
+        [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); },
+        Qt::DirectConnection);
+}
+
+void ServiceProgram::appear()
+{
+    m_appearError = m_bus.open();
+    if (m_appearError != 0)
+        return;
+    m_face = std::make_unique<ServiceFace>(HavrelServices::sharedServices(), m_bus);
+    m_appearError = m_face->appear();
+}
+
+void ServiceProgram::terminate()
+{
+    if (!m_ending && m_face->leave())
+        endNow();
+}
+
+void ServiceProgram::endNow()
+{
+    if (std::exchange(m_ending, true))
+        return;
+    m_alerts.end();
+    m_delegate->writePendingChanges();
+    QCoreApplication::exit(0);
+}
+
+void ServiceProgram::displayHasGone()
+{
+    m_alerts.end();
+    m_timers.end();
+    m_delegate->writePendingChanges();
+    ServiceApplicationDelegate::applicationWillTerminate(kFailed);
+    Logr::closeSharedLogger();
+    std::_Exit(kFailed); // the toolkit's exit would take apart what still stands in the event loop
+}
+
+} // namespace havrel
