@@ -5,6 +5,7 @@
 usage: packages_test.py BUILD_FOLDER
 """
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -16,6 +17,7 @@ PACKAGES = {
                 "usr/share/nemo/actions/havrel-capture.nemo_action", "usr/share/file-manager/actions/havrel-menu.desktop",
                 "usr/share/icons/hicolor/scalable/apps/com.havrel.Service.svg",
                 "usr/share/icons/hicolor/symbolic/apps/com.havrel.Service-symbolic.svg",
+                "usr/share/dbus-1/services/com.havrel.Service.service", "usr/share/systemd/user/havrel-service.service",
                 "usr/share/man/man1/havrel.1", "usr/share/bash-completion/completions/havrel",
                 "usr/share/zsh/vendor-completions/_havrel", "usr/share/fish/vendor_completions.d/havrel.fish",
                 "usr/share/doc/havrel/copyright"],
@@ -49,6 +51,15 @@ def problems(package, files, fields):
     print(f"{name}: {len(held)} files")
 
 
+def commands_in(package):
+    """The programs that the bus and systemd are told to start."""
+    with tempfile.TemporaryDirectory() as folder:
+        subprocess.run(["dpkg-deb", "--extract", package, folder], check=True)
+        for file in ("dbus-1/services/com.havrel.Service.service", "systemd/user/havrel-service.service"):
+            text = pathlib.Path(folder, "usr/share", file).read_text()
+            yield from re.findall(r"^Exec(?:Start)?=(.*)$", text, re.MULTILINE)
+
+
 def main():
     with tempfile.TemporaryDirectory() as folder:
         made = subprocess.run(["cpack", "-G", "DEB", "-B", folder], cwd=sys.argv[1], capture_output=True, text=True)
@@ -59,6 +70,9 @@ def main():
         wrong = [f"packages: {sorted(found)}"] if set(found) != set(PACKAGES) else []
         for name, (files, fields) in PACKAGES.items():
             wrong += problems(found[name], files, fields) if name in found else []
+        commands = list(commands_in(found["havrel"]))
+        if commands != ['"/usr/bin/havrel-service"'] * 2:
+            wrong.append(f"started would be: {commands}")
     sys.exit("\n".join(wrong) or 0)
 
 
