@@ -8,18 +8,15 @@ namespace {
 
 constexpr auto kMenuCommands = std::to_array<MenuCommand>({
     {.id = "capture",
-     .action = "Capture",
      .words = "capture",
      .title = {"Capture to Archive...", "In Archiv sichern..."},
      .hint = {"Captures the selected items into an archive right away",
               "Sichert die ausgewählten Objekte sofort in ein Archiv"}},
     {.id = "reveal",
-     .action = "Reveal",
      .words = "reveal",
      .title = {"Reveal in Archive...", "Im Archiv zeigen..."},
      .hint = {"Shows the selected items inside of an archive", "Zeigt die ausgewählten Objekte in einem Archiv"}},
     {.id = "preferences",
-     .action = "Preferences",
      .words = "captureprefs edit",
      .title = {"Capture Preferences...", "Sicherungseinstellungen..."},
      .hint = {"Says how the selected items are captured", "Legt fest, wie die ausgewählten Objekte gesichert werden"}},

@@ -19,11 +19,10 @@ struct Text
 /// Threads: any thread.
 struct MenuCommand
 {
-    const char* id;     ///< part of file names and identifiers; "preferences"
-    const char* action; ///< its name as an action of the application; "Preferences"
-    const char* words;  ///< the subcommand of `havrel` that it runs; "captureprefs edit"
-    Text title;         ///< in the menu
-    Text hint;          ///< a sentence on what it does
+    const char* id;    ///< part of file names and identifiers; "preferences"
+    const char* words; ///< the subcommand of `havrel` that it runs; "captureprefs edit"
+    Text title;        ///< in the menu
+    Text hint;         ///< a sentence on what it does
 };
 
 /// The commands in the order in which menus show them.

@@ -19,7 +19,7 @@ QList<EntryFile> desktopEntry()
 {
     QByteArray actions;
     for (const MenuCommand& each : menuCommands())
-        actions += QByteArray(each.action) + ';';
+        actions += QByteArray(each.id) + ';';
     KeyFile file;
     file.group("Desktop Entry")
         .set("Type", "Application")
@@ -35,7 +35,7 @@ QList<EntryFile> desktopEntry()
         .set("NoDisplay", "true") // there is nothing to see before something is selected
         .set("Actions", actions);
     for (const MenuCommand& each : menuCommands())
-        file.group(QByteArray("Desktop Action ") + each.action)
+        file.group(QByteArray("Desktop Action ") + each.id)
             .set("Name", each.title)
             .set("Icon", kApplicationId)
             .set("Exec", commandLine(each));

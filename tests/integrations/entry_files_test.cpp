@@ -95,11 +95,10 @@ TEST(EntryFiles, ShowEachCommandInBothLanguagesWhereverTheyAre)
         const KeyFiles nemo = readKeyFile(contentsOf(nemoActions(), "nemo/actions/havrel-" + id + ".nemo_action"));
         const KeyFiles pcmanfm =
             readKeyFile(contentsOf(fileManagerActions(), "file-manager/actions/havrel-" + id + ".desktop"));
-        for (const auto& group :
-             {nemo["Nemo Action"],
-              pcmanfm["Desktop Entry"],
-              readKeyFile(dolphin)["Desktop Action " + id],
-              readKeyFile(desktopEntry().constFirst().contents)["Desktop Action " + QByteArray(each.action)]}) {
+        for (const auto& group : {nemo["Nemo Action"],
+                                  pcmanfm["Desktop Entry"],
+                                  readKeyFile(dolphin)["Desktop Action " + id],
+                                  readKeyFile(desktopEntry().constFirst().contents)["Desktop Action " + id]}) {
             EXPECT_EQ(group["Name"], each.title.english);
             EXPECT_EQ(group["Name[de]"], each.title.german);
         }
@@ -133,6 +132,14 @@ TEST(EntryFiles, LeaveOutWhatIsNotOnThisComputer)
         EXPECT_EQ(readKeyFile(each.contents)["Nemo Action"]["UriScheme"], "file");
     for (const EntryFile& each : fileManagerActions())
         EXPECT_FALSE(each.contents.contains("Schemes=")); // PCManFM crashes on it; the program refuses such items
+}
+
+// The names are those that the service knows on the bus, where a desktop calls them.
+TEST(DesktopEntry, NamesTheActionsAsTheServiceDoes)
+{
+    const KeyFiles file = readKeyFile(desktopEntry().constFirst().contents);
+    EXPECT_EQ(file["Desktop Entry"]["DBusActivatable"], "true");
+    EXPECT_EQ(file["Desktop Entry"]["Actions"], "capture;reveal;preferences;");
 }
 
 // Dolphin cannot be driven here, so that its file is held against what its documentation asks for.
