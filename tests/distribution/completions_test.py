@@ -22,6 +22,11 @@ COMPLETIONS = pathlib.Path(__file__).resolve().parents[2] / "resources/completio
 # What is typed, and what it becomes.
 TABLE = [
     ("havrel pat", "havrel pattern"),
+    ("havrel rev", "havrel reveal"),
+    ("havrel captur", "havrel capture"),
+    ("havrel capture --items", "havrel capture --items-from"),
+    ("havrel reveal a-fi", "havrel reveal a-file"),
+    ("havrel captureprefs ed", "havrel captureprefs edit"),
     ("havrel captureprefs sh", "havrel captureprefs show"),
     ("havrel captureprefs show --items", "havrel captureprefs show --items-from"),
     ("havrel pattern check --root", "havrel pattern check --rooted"),
