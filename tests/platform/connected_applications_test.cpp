@@ -52,6 +52,14 @@ TEST(ConnectedApplications, ReachesWhatHasAnOwnerAndWhatTheBusCanStart)
     EXPECT_FALSE(applications.canReach(kClient)); // not open yet
     ASSERT_EQ(connection.open(), 0);
     EXPECT_FALSE(applications.canReach(kClient));
+    // The bus hears of new files some time later, unless it is told to look.
+    ASSERT_EQ(connection
+                  .callAndWait({.destination = "org.freedesktop.DBus",
+                                .path = "/org/freedesktop/DBus",
+                                .interface = "org.freedesktop.DBus",
+                                .member = "ReloadConfig"})
+                  .error,
+              0);
     EXPECT_TRUE(applications.canReach("com.havrel.startable"));
     const FakeApplication client(bus);
     EXPECT_TRUE(applications.canReach(kClient));
