@@ -4,8 +4,8 @@
 #include "capture_prefs_ui/alert.h"
 #include "capture_prefs_ui/capture_preferences_controller.h"
 #include "capture_prefs_ui/capture_preferences_window.h"
+#include "filters/capture_preferences_attribute.h"
 #include "fs/path.h"
-#include "platform/extended_attributes.h"
 #include "tests/support/temporary_tree.h"
 
 #include <QAbstractButton>
@@ -17,6 +17,8 @@
 
 namespace havrel {
 namespace {
+
+namespace attribute = capture_preferences_attribute;
 
 constexpr int kItems = 10'000;
 constexpr int kRounds = 7;
@@ -43,46 +45,92 @@ double median(std::vector<double> times)
     return times[times.size() / 2];
 }
 
-/// What any program would have to do at least: one call an item, with the record that is there.
-double bareWrites(const QList<QByteArray>& paths)
+QList<QByteArray> recordsOf(const QList<QByteArray>& paths)
 {
-    const char* name = "user.com.havrel.prefs";
-    const QByteArray record = platform::readAttribute(paths.first(), name).bytes;
+    QList<QByteArray> records;
+    for (const QByteArray& each : paths)
+        records.append(platform::readAttribute(each, attribute::kNameOnDisk).bytes);
+    return records;
+}
+
+/// What any program would have to do at least: one call an item.
+double bareWrites(const QList<QByteArray>& paths, const QList<QByteArray>& records)
+{
     return milliseconds([&] {
-        for (const QByteArray& each : paths)
-            if (platform::writeAttribute(each, name, record) != 0)
+        for (qsizetype i = 0; i < paths.size(); ++i)
+            if (platform::writeAttribute(paths[i], attribute::kNameOnDisk, records[i]) != 0)
                 std::exit(1);
     });
 }
 
-void measure(const QList<QUrl>& items, const QList<QByteArray>& paths)
+/// Clicks on an option, and lets its window show that.
+double changeTo(CapturePreferencesController& controller, const char* button)
 {
-    NoAlerts alerts;
-    CapturePreferencesController controller(alerts, [] {});
-    const double shown = milliseconds([&] {
-        if (!controller.prepareWithItems(items))
-            std::exit(1);
-        controller.showWindow();
+    return milliseconds([&] {
+        controller.window().findChild<QAbstractButton*>(QLatin1String(button))->click();
         QApplication::processEvents();
     });
-    std::printf("%d items: window %.0f ms\n", kItems, shown);
+}
+
+/// The file system does nothing for a record that is there already, so every write that is timed changes the records,
+/// and each round goes between the same two.
+void measureWriting(CapturePreferencesController& controller, const QList<QByteArray>& paths)
+{
     std::vector<double> changes;
     std::vector<double> passes;
     std::vector<double> bare;
+    changeTo(controller, "optionExcludeButton");
+    controller.setModifiedPrefs();
     for (int round = 0; round < kRounds; ++round) {
-        const char* button = round % 2 == 0 ? "optionIgnoreButton" : "optionExcludeButton";
-        changes.push_back(milliseconds([&] {
-            controller.window().findChild<QAbstractButton*>(QLatin1String(button))->click();
-            QApplication::processEvents();
-        }));
+        const QList<QByteArray> before = recordsOf(paths);
+        changes.push_back(changeTo(controller, round % 2 == 0 ? "optionIgnoreButton" : "optionExcludeButton"));
         passes.push_back(milliseconds([&] { controller.setModifiedPrefs(); }));
-        bare.push_back(bareWrites(paths));
+        const QList<QByteArray> after = recordsOf(paths);
+        bare.push_back(bareWrites(paths, before));
+        bare.push_back(bareWrites(paths, after));
     }
     std::printf("an option change shown: %.1f ms\n", median(changes));
     std::printf("write pass %.0f ms, bare calls %.0f ms: ratio %.2f\n",
                 median(passes),
                 median(bare),
                 median(passes) / median(bare));
+}
+
+struct Items
+{
+    QList<QUrl> urls;
+    QList<QByteArray> paths;
+
+    void append(const JNPathPtr& path)
+    {
+        urls.append(path->url());
+        paths.append(path->cPath());
+    }
+};
+
+void measure(const Items& items)
+{
+    NoAlerts alerts;
+    CapturePreferencesController controller(alerts, [] {});
+    const double shown = milliseconds([&] {
+        if (!controller.prepareWithItems(items.urls))
+            std::exit(1);
+        controller.showWindow();
+        QApplication::processEvents();
+    });
+    std::printf("%d items: window %.0f ms\n", kItems, shown);
+    measureWriting(controller, items.paths);
+}
+
+Items makeItems(const TemporaryTree& tree)
+{
+    Items items;
+    for (int i = 0; i < kItems; ++i) {
+        const std::string name = "item" + std::to_string(i);
+        tree.add(name);
+        items.append(JNPath::withCPath(tree.bytes(name)));
+    }
+    return items;
 }
 
 } // namespace
@@ -94,14 +142,6 @@ int main(int argc, char** argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
     const havrel::TemporaryTree tree;
-    QList<QUrl> items;
-    QList<QByteArray> paths;
-    for (int i = 0; i < havrel::kItems; ++i) {
-        const std::string name = "item" + std::to_string(i);
-        tree.add(name);
-        paths.append(tree.bytes(name));
-        items.append(havrel::JNPath::withCPath(paths.last())->url());
-    }
-    havrel::measure(items, paths);
+    havrel::measure(havrel::makeItems(tree));
     return 0;
 }
