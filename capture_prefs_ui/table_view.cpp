@@ -265,7 +265,7 @@ void TableView::setEmptyText(const QString& text)
 
 void TableView::describeEmptiness()
 {
-    setAccessibleDescription(m_objects.empty() ? m_emptyText : QString());
+    setAccessibleDescription(m_objects.empty() && isEnabled() ? m_emptyText : QString());
 }
 
 bool TableView::viewportEvent(QEvent* event)
@@ -297,6 +297,8 @@ void TableView::changeEvent(QEvent* event)
     const QEvent::Type type = event->type();
     if (type == QEvent::FontChange || type == QEvent::StyleChange)
         Q_EMIT metricsChanged();
+    if (type == QEvent::EnabledChange)
+        describeEmptiness();
     if (type == QEvent::FontChange || type == QEvent::StyleChange || type == QEvent::LayoutDirectionChange)
         layoutRows();
 }

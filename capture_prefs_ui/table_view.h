@@ -78,7 +78,7 @@ public:
     /// Has the delegate delete the selected rows, if it is TableViewDeleting. \selector delete:
     void delete_(QObject* sender);
 
-    /// What is shown, and said, while there are no rows.
+    /// What is shown, and said, while there are no rows and some could be added: not in a disabled table.
     void setEmptyText(const QString& text);
 
     // Exchange with other programs as text; also by the standard keys.

@@ -65,6 +65,8 @@ void TableView::paintRow(QPainter& painter, qsizetype row) const
 
 void TableView::paintEmptyText(QPainter& painter) const
 {
+    if (!isEnabled())
+        return;
     const int margin = gutter() / 2;
     painter.setPen(palette().color(QPalette::PlaceholderText));
     painter.drawText(

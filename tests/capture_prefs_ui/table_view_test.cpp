@@ -344,5 +344,20 @@ TEST_F(TableViewWithRows, TakesNoKeysOrClicksWhileDisabled)
     EXPECT_FALSE(row(0)->textField()->isEnabled());
 }
 
+TEST_F(TableViewWithRows, SaysWhatToDoOnlyWhileSomethingCanBeDone)
+{
+    show();
+    const auto picture = [this] { return table().viewport()->grab().toImage(); };
+    const QImage withText = picture();
+    EXPECT_FALSE(table().accessibleDescription().isEmpty());
+    controller().setEnabled(false);
+    const QImage disabled = picture();
+    EXPECT_TRUE(table().accessibleDescription().isEmpty());
+    table().setEmptyText(QString());
+    EXPECT_EQ(picture(), disabled);
+    controller().setEnabled(true);
+    EXPECT_NE(picture(), withText);
+}
+
 } // namespace
 } // namespace havrel::tests
