@@ -14,7 +14,8 @@ namespace havrel {
 /// Threads: the main thread only.
 namespace window_frames {
 
-/// Gives the window the frame that was saved under \p name, moved onto a screen that is there.
+/// Gives the window the frame that was saved under \p name, moved onto a screen that is there, and down by the height
+/// of a title bar (and as far to the trailing side) for each visible window that stands at the very place.
 ///
 /// \return no, and the window is left as it is, when there is none.
 bool restore(QWidget& window, const QString& name);

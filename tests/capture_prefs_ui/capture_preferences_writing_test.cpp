@@ -15,6 +15,7 @@
 #include <QFile>
 #include <QProcess>
 #include <QProgressDialog>
+#include <QStyle>
 #include <QTest>
 #include <QTimer>
 
@@ -385,6 +386,35 @@ TEST_F(CapturePreferencesWriting, KeepsTheFrameOfTheWindowForTheNext)
     next.setWindowFrameAutosaveName(QStringLiteral("CapturePreferences"));
     EXPECT_EQ(next.window().size(), QSize(701, 703));
     EXPECT_TRUE(std::filesystem::exists(m_tree.path("state/Havrel/windows.ini")));
+}
+
+TEST_F(CapturePreferencesWriting, PutsASecondWindowBesideTheFirst)
+{
+    qputenv("XDG_STATE_HOME", m_tree.bytes("state"));
+    const QString name = QStringLiteral("CapturePreferences");
+    ASSERT_TRUE(m_controller.prepareWithItems(urlsOf({"folder"})));
+    m_controller.setWindowFrameAutosaveName(name);
+    m_controller.window().move(20, 30);
+    m_controller.showWindow();
+    m_controller.window().close(); // keeps its frame
+    m_controller.showWindow();
+    const QPoint first = m_controller.window().geometry().topLeft();
+    CapturePreferencesController second(
+        m_alerts, [] {}, m_timers);
+    second.setWindowFrameAutosaveName(name);
+    const int step = second.window().style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &second.window());
+    EXPECT_GT(step, 0);
+    EXPECT_EQ(second.window().geometry().topLeft(), first + QPoint(step, step));
+    second.showWindow();
+    CapturePreferencesController third(
+        m_alerts, [] {}, m_timers);
+    third.setWindowFrameAutosaveName(name);
+    EXPECT_EQ(third.window().geometry().topLeft(), first + QPoint(2 * step, 2 * step));
+    m_controller.window().close();
+    CapturePreferencesController fourth(
+        m_alerts, [] {}, m_timers);
+    fourth.setWindowFrameAutosaveName(name);
+    EXPECT_EQ(fourth.window().geometry().topLeft(), first) << "the place is free again";
 }
 
 TEST_F(CapturePreferencesWriting, OpensHelpAtItsAnchor)
