@@ -207,6 +207,14 @@ void CapturePreferencesWindow::closeEvent(QCloseEvent* event)
     event->accept();
 }
 
+void CapturePreferencesWindow::keyPressEvent(QKeyEvent* event)
+{
+    if (event->matches(QKeySequence::Cancel))
+        close();
+    else
+        QWidget::keyPressEvent(event);
+}
+
 void CapturePreferencesWindow::changeEvent(QEvent* event)
 {
     if (event->type() == QEvent::FontChange)

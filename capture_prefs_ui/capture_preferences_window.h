@@ -51,6 +51,7 @@ Q_SIGNALS:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override; ///< Escape, when no control wants it, closes
 
 private:
     void groupButtons();

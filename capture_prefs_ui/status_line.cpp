@@ -12,7 +12,7 @@ namespace havrel {
 StatusLine::StatusLine(QWidget* parent)
     : QWidget(parent)
     , m_label(new QLabel(this))
-    , m_saveButton(new QPushButton(tr("Save &Now"), this))
+    , m_saveButton(new QPushButton(tr("Sa&ve Now"), this))
 {
     m_label->setObjectName(QStringLiteral("statusLabel"));
     m_label->setTextFormat(Qt::PlainText); // reasons may hold the names of files

@@ -160,7 +160,7 @@
         <translation>Einheit der Dauer bis zum Bereinigen</translation>
     </message>
     <message>
-        <source>after &amp;being captured</source>
+        <source>after being &amp;captured</source>
         <translation>nach der Siche&amp;rung</translation>
     </message>
     <message>
@@ -439,7 +439,7 @@
 <context>
     <name>havrel::StatusLine</name>
     <message>
-        <source>Save &amp;Now</source>
+        <source>Sa&amp;ve Now</source>
         <translation>&amp;Jetzt speichern</translation>
     </message>
     <message>

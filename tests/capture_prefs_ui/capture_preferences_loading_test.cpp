@@ -5,9 +5,12 @@
 #include "platform/file_names.h"
 #include "tests/capture_prefs_ui/capture_preferences_fixture.h"
 #include "tests/support/ordinary_user.h"
+#include "tests/support/shown_window.h"
 
 #include <QCoreApplication>
 #include <QLabel>
+#include <QProgressDialog>
+#include <QTimer>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -185,6 +188,19 @@ TEST_F(CapturePreferencesLoading, TakesTheSameItemTwice)
     m_controller.windowWillClose();
     EXPECT_EQ(stored("folder").option, CaptureOption::Exclude);
     EXPECT_TRUE(m_alerts.shown.empty());
+}
+
+TEST_F(CapturePreferencesLoading, HasNothingToShowWhenItIsStopped)
+{
+    m_timers.setStep(std::chrono::milliseconds(200)); // each look at the clock: every item is slow
+    QTimer::singleShot(0, [] { shownWindow<QProgressDialog>()->cancel(); });
+    EXPECT_FALSE(m_controller.prepareWithItems(urlsOf({"missing", "folder", "file"})));
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(m_alerts.shown.empty()) << "of items that the user gave up";
+    EXPECT_FALSE(m_controller.dirty());
+    m_timers.setStep(std::chrono::milliseconds(0));
+    EXPECT_TRUE(m_controller.prepareWithItems(urlsOf({"folder"})));
+    EXPECT_EQ(m_controller.items(), urlsOf({"folder"}));
 }
 
 TEST_F(CapturePreferencesLoading, ShowsTheAlertOnlyWhileTheControllerLives)
