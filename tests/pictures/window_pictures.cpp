@@ -6,6 +6,9 @@
 #include "capture_prefs_ui/alert.h"
 #include "capture_prefs_ui/capture_preferences_controller.h"
 #include "capture_prefs_ui/capture_preferences_window.h"
+#include "capture_prefs_ui/pattern_table_simple_cell_view.h"
+#include "capture_prefs_ui/resizing_pattern_text_field.h"
+#include "capture_prefs_ui/table_view.h"
 #include "filters/pattern_filter_def.h"
 #include "fs/path.h"
 #include "tests/support/fake_timers.h"
@@ -14,14 +17,20 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QDialog>
 #include <QDir>
+#include <QFile>
+#include <QPainter>
 #include <QStyleFactory>
+#include <QTest>
 #include <QTranslator>
 
 #include <cstdio>
 
 namespace havrel::tests {
 namespace {
+
+constexpr QRgb kBright = 0xffebebeb; // texts on dark
 
 /// A state of the window: the items in it and what is done to it.
 struct Picture
@@ -34,6 +43,18 @@ struct Picture
 void click(CapturePreferencesController& controller, const char* button)
 {
     controller.window().findChild<QAbstractButton*>(QLatin1String(button))->click();
+}
+
+/// Into the first row, as a user does who then goes on to the next field.
+void typeBadPattern(CapturePreferencesController& controller)
+{
+    auto* row = qobject_cast<PatternTableSimpleCellView*>(
+        controller.window().findChild<TableView*>(QStringLiteral("tableView"))->viewAtRow(0));
+    QApplication::setActiveWindow(&controller.window());
+    row->pathField()->setFocus();
+    QTest::keyClick(row->pathField(), Qt::Key_End);
+    QTest::keyClicks(row->pathField(), QStringLiteral("/"));
+    QTest::keyClick(row->pathField(), Qt::Key_Tab);
 }
 
 void store(const TemporaryTree& tree, const char* item, CaptureOption option, const QStringList& patterns)
@@ -76,33 +97,86 @@ const std::vector<Picture>& pictures()
              click(controller, "optionScrapeContentsButton");
              timers.pass(std::chrono::seconds(7));
          }},
+        {"permission", {"New folder", "Missing", "Missing too", "Missing, too"}, {}},
+        {"not-saved",
+         {"Projects", "Lost"},
+         [](auto& controller, auto& timers) {
+             click(controller, "optionExcludeButton");
+             QFile::remove(controller.items().last().toLocalFile());
+             timers.pass(std::chrono::seconds(7));
+         }},
+        {"problem", {"Projects"}, [](auto& controller, auto&) { typeBadPattern(controller); }},
     };
     return all;
 }
 
+/// As the desktops' dark themes have it: edges are lighter or darker than what they are on, never the same.
 void darken()
 {
-    QPalette dark(QColor(45, 45, 48), QColor(45, 45, 48));
-    dark.setColor(QPalette::Base, QColor(32, 32, 35));
-    dark.setColor(QPalette::AlternateBase, QColor(40, 40, 43));
-    dark.setColor(QPalette::Highlight, QColor(53, 132, 228));
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
-        dark.setColor(role, QColor(235, 235, 235));
+    struct Role
+    {
+        QPalette::ColorRole role;
+        QRgb colour;
+    };
+    constexpr Role roles[] = {
+        {QPalette::Window, 0xff353535},
+        {QPalette::Base, 0xff2d2d2d},
+        {QPalette::AlternateBase, 0xff323232},
+        {QPalette::Button, 0xff454545},
+        {QPalette::Light, 0xff656565},
+        {QPalette::Midlight, 0xff555555},
+        {QPalette::Mid, 0xff2a2a2a},
+        {QPalette::Dark, 0xff1e1e1e},
+        {QPalette::Shadow, 0xff101010},
+        {QPalette::ToolTipBase, 0xff454545},
+        {QPalette::WindowText, kBright},
+        {QPalette::Text, kBright},
+        {QPalette::ButtonText, kBright},
+        {QPalette::ToolTipText, kBright},
+        {QPalette::Highlight, 0xff3584e4},
+        {QPalette::HighlightedText, 0xffffffff},
+        {QPalette::PlaceholderText, 0xffa0a0a5},
+    };
+    QPalette dark;
+    for (const Role& each : roles)
+        dark.setColor(each.role, QColor::fromRgba(each.colour));
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         dark.setColor(QPalette::Disabled, role, QColor(125, 125, 128));
     QApplication::setPalette(dark);
 }
 
-class QuietAlerts final : public AlertPresenter
+/// Dialogs stand in the middle of their window, everything else where it put itself.
+QPoint placeOver(const QWidget& window, const QWidget& over)
 {
-public:
-    [[nodiscard]] int runModal(const Alert& /*alert*/) override { return kAlertFirstButtonReturn; }
-    void beginSheet(const Alert& /*alert*/, QWidget& /*window*/, std::function<void(int)> /*ended*/) override {}
-};
+    if (qobject_cast<const QDialog*>(&over) != nullptr)
+        return window.rect().center() - over.rect().center();
+    return over.pos() - window.pos();
+}
+
+/// A dialog gets a line around it in place of a window manager's frame.
+void paintOver(QPainter& painter, const QPoint& place, QWidget& over)
+{
+    painter.drawPixmap(place, over.grab());
+    if (qobject_cast<const QDialog*>(&over) == nullptr)
+        return;
+    painter.setPen(over.palette().color(QPalette::PlaceholderText));
+    painter.drawRect(QRect(place, over.size()).adjusted(-1, -1, 0, 0));
+}
+
+/// The window with what lies over it: the offscreen display shows each window by itself only.
+QPixmap pictureOf(QWidget& window)
+{
+    QPixmap picture = window.grab();
+    QPainter painter(&picture);
+    for (QWidget* each : QApplication::topLevelWidgets())
+        if (each != &window && each->isVisible())
+            paintOver(painter, placeOver(window, *each), *each);
+    return picture;
+}
 
 bool take(const Picture& picture, const TemporaryTree& tree, const QString& file)
 {
-    QuietAlerts alerts;
+    WidgetAlertPresenter alerts;
     FakeTimers timers;
     CapturePreferencesController controller(
         alerts, [] {}, timers);
@@ -116,7 +190,7 @@ bool take(const Picture& picture, const TemporaryTree& tree, const QString& file
         picture.act(controller, timers);
     QApplication::processEvents();
     QApplication::processEvents();
-    return controller.window().grab().save(file);
+    return pictureOf(controller.window()).save(file);
 }
 
 int run(const QStringList& arguments)
@@ -126,7 +200,8 @@ int run(const QStringList& arguments)
                              "Documents/Music/",
                              "Documents/New folder/",
                              "Documents/Notes.txt",
-                             "Documents/Letter.odt"};
+                             "Documents/Letter.odt",
+                             "Documents/Lost"};
     qputenv("HOME", tree.bytes("")); // so that the pictures say "~/Documents" everywhere
     qputenv("XDG_STATE_HOME", tree.bytes("state"));
     storeAll(tree);
