@@ -15,7 +15,7 @@ class TookTooLong(Exception):
     pass
 
 
-def until(condition, what, seconds=60):
+def until(condition, what, seconds=90):
     """Asks again and again until there is an answer; gives up at the deadline."""
     deadline = time.monotonic() + seconds
     while time.monotonic() < deadline:
@@ -35,25 +35,39 @@ class Session:
 
     def __enter__(self):
         self.processes = []
+        try:
+            self.begin()
+        except BaseException:
+            self.__exit__()
+            raise
+        return self
+
+    def begin(self):
         self.start_server()
         self.start(["openbox"])
         until(self.has_window_manager, "the window manager")
         bus = Gio.bus_get_sync(Gio.BusType.SESSION)
+        bus.call_sync("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                      "UpdateActivationEnvironment", GLib.Variant("(a{ss})", ({"DISPLAY": os.environ["DISPLAY"]},)),
+                      None, Gio.DBusCallFlags.NONE, 30000, None)
         bus.call_sync("org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties", "Set",
                       GLib.Variant("(ssv)", ("org.a11y.Status", "IsEnabled", GLib.Variant("b", True))),
                       None, Gio.DBusCallFlags.NONE, 30000, None)
         Atspi.init()
-        return self
 
     def __exit__(self, *_):
         for process in reversed(self.processes):
             process.terminate()
         for process in reversed(self.processes):
-            process.wait()
+            try:
+                process.wait(30)
+            except subprocess.TimeoutExpired:
+                process.kill()
 
     def start_server(self):
         reading, writing = os.pipe()
-        self.start(["Xvfb", "-displayfd", str(writing), "-screen", "0", "1280x900x24", "-nolisten", "tcp"],
+        self.start(["Xvfb", "-displayfd", str(writing), "-screen", "0", "1280x900x24", "-nolisten", "tcp",
+                    "-noreset"],  # else the end of the first client to come ends the others
                    pass_fds=[writing], stderr=subprocess.DEVNULL)
         os.close(writing)
         with os.fdopen(reading) as display:
@@ -62,6 +76,13 @@ class Session:
     def start(self, command, **more):
         self.processes.append(subprocess.Popen(command, **more))
         return self.processes[-1]
+
+    @staticmethod
+    def take_picture(name):
+        """Of everything on the screen, where pictures are asked for."""
+        if folder := os.environ.get("HAVREL_PICTURES"):
+            subprocess.run(["import", "-window", "root", "-trim", "+repage", os.path.join(folder, name + ".png")],
+                           check=True, timeout=60)
 
     @staticmethod
     def has_window_manager():
@@ -92,15 +113,21 @@ def everything_below(thing, deepest=40):
             yield from everything_below(child, deepest - 1)
 
 
-def find(name, roles=None, program=None):
-    """The first thing on the screen of that name."""
+def find(name, roles=None, program=None, fits=lambda thing: True):
+    """The first thing of that name."""
     for root in programs():
         if root is None or (program and program not in (root.get_name() or "").lower()):
             continue
         for thing in everything_below(root):
-            if thing.get_name() == name and (roles is None or thing.get_role() in roles):
+            if thing.get_name() == name and (roles is None or thing.get_role() in roles) and fits(thing):
                 return thing
     return None
+
+
+def centre(thing):
+    """On the screen; none when it is not shown, as menus that are there before they are opened."""
+    area = Atspi.Component.get_extents(thing, Atspi.CoordType.SCREEN)
+    return [str(area.x + area.width // 2), str(area.y + area.height // 2)] if area.width > 0 and area.x > 0 else None
 
 
 def press(thing):

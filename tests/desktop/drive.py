@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Chooses a command from the menu of a file manager, and compares what arrives with what was selected.
+"""Chooses a command from the menu of a file manager, and compares what arrives with what was selected, or edits in the
+window that comes.
 
 usage: drive.py WAY WHAT FOLDER     inside of a message bus of its own; see file_manager_test.py
 """
@@ -8,11 +9,16 @@ import os
 import sys
 import urllib.parse
 
-from desktop_session import Atspi, Session, TookTooLong, find, press, until
+from desktop_session import Atspi, Session, TookTooLong, centre, find, press, until
+from preferences_window import edit_in_window
 
+MENU = "Havrel"
 TITLE = "Capture Preferences..."
 WORDS = [b"captureprefs", b"edit"]
 MENU_ITEM = {Atspi.Role.MENU_ITEM}
+
+# What shows that the folder is there.
+FIRST = {"names": "plain.txt", "many": "item 00000", "window": "Projects"}
 
 PROGRAMS = {
     "caja": ["caja", "--no-desktop", "--browser"],
@@ -23,19 +29,35 @@ PROGRAMS = {
 }
 
 
-def select_all(session, folder, first):
-    """Once the folder is shown."""
-    until(lambda: find(first), "the file manager to show the folder")
+def open_menu_of_all(session, folder):
     window = until(lambda: session.key_tool("search", "--onlyvisible", "--name", os.path.basename(folder), quiet=True),
                    "its window").split()[-1]
     session.key_tool("windowfocus", "--sync", window)
     session.key_tool("key", "ctrl+a")
-
-
-def choose(session, folder, first):
-    """The command from the menu, which is on the accessibility bus."""
-    select_all(session, folder, first)
     session.key_tool("key", "shift+F10")
+
+
+def place_of(name):
+    """Menus may be there twice, in the menu bar, too: the one that is shown."""
+    thing = find(name, fits=centre)
+    return thing and centre(thing)
+
+
+def click(session, name, button="1"):
+    place = until(lambda: place_of(name), f"{name} to be drawn")
+    session.key_tool("mousemove", "--sync", *place, "click", button)
+
+
+def choose_by_mouse(session, item):
+    click(session, item, button="3")
+    click(session, MENU)
+    until(lambda: place_of(TITLE), "the menu to open")
+    session.take_picture("menu")
+    click(session, TITLE)
+
+
+def choose(session):
+    """The command from the menu, which is on the accessibility bus."""
     press(until(lambda: find(TITLE, MENU_ITEM), "the command in the menu"))
 
 
@@ -67,13 +89,20 @@ def compare(record, folder):
 
 def main():
     way, what, folder = sys.argv[1:]
-    first = {"names": "plain.txt", "many": "item 00000"}[what]
+    first = FIRST[what]
     with Session() as session:
         session.start([*PROGRAMS[way], folder])
         try:
-            choose(session, folder, first)
-            compare(until(recorded, "the program to be started"), folder)
+            until(lambda: find(first), "the file manager to show the folder")
+            if what == "window":
+                choose_by_mouse(session, first)
+                edit_in_window(session, os.path.join(folder, first))
+            else:
+                open_menu_of_all(session, folder)
+                choose(session)
+                compare(until(recorded, "the program to be started"), folder)
         except TookTooLong as failure:
+            session.take_picture("failure")
             sys.exit(f"waited in vain for {failure}")
 
 

@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Installs the entries into a scratch folder and chooses a command from the menu of a real file manager.
+"""Installs the product into a scratch folder and chooses a command from the menu of a real file manager.
 
-usage: file_manager_test.py WAY BUILD_FOLDER [names|many]
+usage: file_manager_test.py WAY BUILD_FOLDER [names|many|window]
 
 names:  the items with difficult names arrive exactly, at a stand-in for the program that writes down what it gets
-many:   a selection of 20,000 items arrives whole
+many:   a selection of 20,000 items arrives whole, at the same stand-in
+window: the preferences window appears, what is chosen in it is on the item when it was closed. With HAVREL_PICTURES
+        naming a folder, pictures of the menu and of the window are left there.
 
 Runs as an ordinary user, on an X server, a message bus and an accessibility bus of its own. Answers 77 where packages
 are missing; `scripts/setup desktop` installs them.
@@ -19,6 +21,7 @@ import tempfile
 
 HERE = pathlib.Path(__file__).resolve().parent
 NOBODY = 65534
+DEADLINE = 280  # seconds, after which nothing that was started is left
 SKIPPED = 77
 
 # What each way of showing the commands needs: programs, modules of packages, and the folders of the installed data.
@@ -31,8 +34,15 @@ WAYS = {
 }
 TOOLS = ["Xvfb", "openbox", "xdotool", "xprop", "dbus-run-session"]
 PACKAGES = ["at-spi2-core", "gir1.2-atspi-2.0", "python3-gi"]
+FOLDERS = [b"a dir", b"Projects"]
 NAMES = [b"a dir", b"--dash.txt", b"bad\xff.txt", b"dollar$HOME.txt", b"link", b"new\nline.txt", b"per%cent.txt",
          b"plain.txt", b"quo'te\".txt", b"sp ace.txt"]
+
+ITEMS = {
+    "names": NAMES,
+    "many": [b"item %05d" % number for number in range(20000)],
+    "window": [b"Projects", b"accounts.ods", b"letter.odt", b"notes.txt"],
+}
 
 
 def is_installed(package):
@@ -48,13 +58,9 @@ def what_is_missing(way):
 
 def make_items(folder, what):
     os.mkdir(folder)
-    if what == "many":
-        names = [b"item %05d" % number for number in range(20000)]
-    else:
-        names = NAMES
-    for name in names:
+    for name in ITEMS[what]:
         path = os.path.join(os.fsencode(folder), name)
-        if name == b"a dir":
+        if name in FOLDERS:
             os.mkdir(path)
         elif name == b"link":
             os.symlink(b"plain.txt", path)
@@ -62,16 +68,14 @@ def make_items(folder, what):
             open(path, "x").close()
 
 
-def install(way, build, scratch, environment):
-    """Puts what the build installs where the user's file manager looks for it."""
+def install(way, build, what, scratch, environment):
     prefix = scratch / "prefix"
     subprocess.run(["cmake", "--install", build, "--prefix", prefix], check=True, stdout=subprocess.DEVNULL)
-    for folder in WAYS[way][2]:
-        shutil.copytree(prefix / "share" / folder, scratch / "data" / folder)
-    if way == "thunar-actions":
-        subprocess.run([prefix / "bin/havrel", "integrations", "add", "thunar"], check=True, env=environment,
-                       stdout=subprocess.DEVNULL)
-    return prefix
+    if what == "window" or way == "thunar-actions":  # as a person does
+        subprocess.run([prefix / "bin/havrel", "integrations", "add", way.split("-")[0]], check=True, env=environment)
+    else:
+        for folder in WAYS[way][2]:
+            shutil.copytree(prefix / "share" / folder, scratch / "data" / folder)
 
 
 def prepare_thunar(config):
@@ -84,16 +88,20 @@ def prepare_thunar(config):
         '  <property name="default-view" type="string" value="ThunarDetailsView"/>\n</channel>\n')
 
 
-def environment_for(scratch):
+def environment_for(scratch, what):
+    """The real product is found in its own prefix; entries that only call the stand-in are copied to the user's."""
+    if what == "window":
+        programs, data = scratch / "prefix/bin", f"{scratch}/prefix/share:"
+    else:
+        programs, data = scratch / "stand_in", ""
     folders = {name: scratch / name for name in ("home", "data", "config", "cache", "state", "runtime")}
     for folder in folders.values():
         folder.mkdir(mode=0o700)
-    programs = scratch / "stand_in"
     return {
         "HOME": str(folders["home"]),
         "PATH": f"{programs}:/usr/local/bin:/usr/bin:/bin",
         "XDG_DATA_HOME": str(folders["data"]),
-        "XDG_DATA_DIRS": "/usr/local/share:/usr/share",
+        "XDG_DATA_DIRS": f"{data}/usr/local/share:/usr/share",
         "XDG_CONFIG_HOME": str(folders["config"]),
         "XDG_CACHE_HOME": str(folders["cache"]),
         "XDG_STATE_HOME": str(folders["state"]),
@@ -112,23 +120,34 @@ def give_away(folder):
         os.chown(path, NOBODY, NOBODY, follow_symlinks=False)
 
 
+def add_stand_in(folder):
+    folder.mkdir()
+    shutil.copy(HERE / "record_items.py", folder / "havrel")
+    (folder / "havrel").chmod(0o755)
+
+
 def run(way, build, what, scratch):
-    environment = environment_for(scratch)
-    stand_in = scratch / "stand_in"
-    stand_in.mkdir()
-    shutil.copy(HERE / "record_items.py", stand_in / "havrel")
-    (stand_in / "havrel").chmod(0o755)
-    install(way, build, scratch, environment)
+    environment = environment_for(scratch, what)
+    add_stand_in(scratch / "stand_in")
+    install(way, build, what, scratch, environment)
     prepare_thunar(scratch / "config")
     make_items(scratch / "items", what)
+    pictures = scratch / "pictures"
+    if "HAVREL_PICTURES" in os.environ:
+        pictures.mkdir()
+        environment["HAVREL_PICTURES"] = str(pictures)
     as_user = {}
     if os.geteuid() == 0:
         give_away(scratch)
         as_user = {"user": NOBODY, "group": NOBODY, "extra_groups": []}
     shutil.copytree(HERE, scratch / "tests", ignore=shutil.ignore_patterns("__pycache__"))
-    return subprocess.run(
-        ["dbus-run-session", "--", "/usr/bin/python3", scratch / "tests/drive.py", way, what, scratch / "items"],
-        env=environment, cwd=scratch, **as_user).returncode
+    command = ["timeout", "--kill-after=5", str(DEADLINE), "dbus-run-session", "--",
+               "/usr/bin/python3", scratch / "tests/drive.py", way, what, scratch / "items"]
+    status = subprocess.run(command, env=environment, cwd=scratch, **as_user).returncode
+    for picture in pictures.glob("*.png"):
+        name = way.split("-")[0] + "-" + picture.name
+        shutil.copyfile(picture, os.path.join(os.environ["HAVREL_PICTURES"], name))
+    return status
 
 
 def main():
