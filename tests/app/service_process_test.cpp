@@ -151,6 +151,25 @@ TEST_F(ServiceProcess, IsStartedByTheBusAndEndsByItself)
     EXPECT_TRUE(heard.contains("stopping Service-3.0.6.4"));
 }
 
+TEST_F(ServiceProcess, LosesNoneOfTheCallsThatAimAtItsEnd)
+{
+    constexpr int kCalls = 200;
+    const PrivateBus bus;
+    bus.addService(service_address::kBusName, m_tree.path("havrel-service") + " --idle-interval 1");
+    platform::BusConnection client({.address = bus.address()});
+    ASSERT_EQ(client.open(), 0);
+    Awaited<QByteArray> owners;
+    platform::BusRegistration watch;
+    const auto changed = [&owners](const QByteArray&, const QByteArray& now) { owners.tell(now); };
+    ASSERT_EQ(client.watchOwner(service_address::kBusName, changed, watch), 0);
+    for (int i = 0; i < kCalls; ++i) {
+        EXPECT_EQ(callWithNothing(client, service_address::kReveal), 0) << i;
+        for (int round = i % 40; round > 0; --round) // later and later in its last moments
+            ASSERT_EQ(client.barrier(std::chrono::milliseconds(kDeadline)), 0);
+    }
+    EXPECT_GT(owners.count(), 2U); // it did end in between
+}
+
 TEST_F(ServiceProcess, EndsByASignal)
 {
     const PrivateBus bus;
