@@ -39,7 +39,7 @@ CapturePreferencesController::CapturePreferencesController(AlertPresenter& alert
 CapturePreferencesController::~CapturePreferencesController()
 {
     removeAllObservations(*this); // the table goes with the window
-    if (m_window) // a field that is being edited ends that as it goes, and would tell
+    if (m_window)                 // a field that is being edited ends that as it goes, and would tell
         for (QObject* each : m_window->findChildren<QObject*>())
             each->disconnect(this);
     m_autoWriteTimer->stop();

@@ -5,7 +5,8 @@ namespace havrel::cli {
 
 class Command;
 
-// One source a subcommand, named after it; those that ask the service stand together in service_requests.cpp. Each tells its options, its help, and what it does.
+// One source a subcommand, named after it; those that ask the service stand together in service_requests.cpp. Each
+// tells its options, its help, and what it does.
 
 void defineCapture(Command& command);
 void defineCaptureprefsClear(Command& command);
