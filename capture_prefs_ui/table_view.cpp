@@ -36,6 +36,7 @@ TableView::TableView(QWidget* parent)
 
 TableView::~TableView()
 {
+    disconnect(qApp, nullptr, this, nullptr); // the focus that the rows lose with it is nobody's news either
     for (const auto& [row, view] : m_views)
         view->setTableView(nullptr); // what they take over when they go is nobody's news
 }
