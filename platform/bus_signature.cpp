@@ -5,7 +5,7 @@ namespace havrel::platform {
 namespace {
 
 constexpr QByteArrayView kBasicTypes = "ybnqiuxtdsogh";
-constexpr int kDeepest = 64; // containers in containers; the specification allows 32 of each kind
+constexpr int kDeepest = 64; // containers in containers; the bus protocol allows 32 of each kind
 
 qsizetype lengthOfType(QByteArrayView signature, int depth);
 

@@ -33,7 +33,7 @@ struct DesktopEntry
 
 /// The words of the command that starts the application with \p uris to open, the program first.
 ///
-/// Words are split, unquoted and filled in as the specification has it; "%f" and "%F" get the paths of file URIs, "%f"
+/// Words are split, unquoted and filled in as the source below has it; "%f" and "%F" get the paths of file URIs, "%f"
 /// and "%u" the first one only. Where the line has no place for them, the paths are added at its end, as desktops do.
 /// None when the line is empty, ends inside a quote, or has a field code that is unknown or stands where it may not.
 ///
