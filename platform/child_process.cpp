@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "platform/child_process.h"
 
+#include "platform/argument_vector.h"
+
 #include <cerrno>
 #include <csignal>
-#include <vector>
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -70,7 +71,7 @@ private:
     int m_failure = 0;
 };
 
-int spawn(pid_t* child, std::vector<char*> arguments, int standardOutput)
+int spawn(pid_t* child, char** arguments, int standardOutput)
 {
     OwnedFileActions actions;
     OwnedSpawnAttributes attributes;
@@ -78,7 +79,7 @@ int spawn(pid_t* child, std::vector<char*> arguments, int standardOutput)
         return failure;
     if (const int failure = attributes.freeSignals())
         return failure;
-    return ::posix_spawn(child, arguments.front(), actions.get(), attributes.get(), arguments.data(), environ);
+    return ::posix_spawn(child, *arguments, actions.get(), attributes.get(), arguments, environ);
 }
 
 } // namespace
@@ -98,15 +99,10 @@ int OwnedChildProcess::wait() noexcept
 
 LaunchResult launch(const QByteArray& program, const QByteArrayList& arguments, int standardOutput)
 {
-    QByteArrayList words{program};
-    words += arguments;
-    std::vector<char*> pointers;
-    for (QByteArray& word : words)
-        pointers.push_back(word.data());
-    pointers.push_back(nullptr);
+    ArgumentVector words(program, arguments);
 
     pid_t child = 0;
-    const int failure = spawn(&child, std::move(pointers), standardOutput);
+    const int failure = spawn(&child, words.data(), standardOutput);
     return {failure, OwnedChildProcess(failure == 0 ? child : 0)};
 }
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "platform/detached_program.h"
 
+#include "platform/argument_vector.h"
 #include "platform/pipe.h"
 
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <vector>
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -84,18 +84,12 @@ int failureOf(Pipe& pipe, pid_t between)
 
 int launchDetached(const QByteArray& program, const QByteArrayList& arguments, const QByteArray& folder)
 {
-    QByteArrayList words{program};
-    words += arguments;
-    std::vector<char*> pointers;
-    for (QByteArray& word : words)
-        pointers.push_back(word.data());
-    pointers.push_back(nullptr);
-
+    ArgumentVector words(program, arguments);
     Pipe pipe = makePipe();
     if (!pipe.writeEnd.isOpen())
         return EMFILE;
     const Start start{
-        program.constData(), pointers.data(), folder.isEmpty() ? nullptr : folder.constData(), pipe.writeEnd.get()};
+        program.constData(), words.data(), folder.isEmpty() ? nullptr : folder.constData(), pipe.writeEnd.get()};
     const pid_t between = ::fork();
     if (between < 0)
         return errno;
