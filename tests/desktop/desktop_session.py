@@ -114,12 +114,12 @@ def everything_below(thing, deepest=40):
 
 
 def find(name, roles=None, program=None, fits=lambda thing: True):
-    """The first thing of that name."""
+    """The first thing of that name; of any, when none is given."""
     for root in programs():
         if root is None or (program and program not in (root.get_name() or "").lower()):
             continue
         for thing in everything_below(root):
-            if thing.get_name() == name and (roles is None or thing.get_role() in roles) and fits(thing):
+            if name in (None, thing.get_name()) and (roles is None or thing.get_role() in roles) and fits(thing):
                 return thing
     return None
 
