@@ -6,6 +6,17 @@
 # Sources are given relative to the root, because one module may stand in more than one folder. A source includes the
 # form resources/Name.ui as <ui_Name.h>.
 set_property(GLOBAL PROPERTY HAVREL_LAYERS "")
+# Saves two fifths of the compiling, but hides that a source misses an include: the presets clang, fuzz and release do
+# without. A compiler cache makes nothing of it.
+option(HAVREL_PRECOMPILE "Precompile what nearly every source includes" OFF)
+
+function(precompile_often_included target)
+    if(HAVREL_PRECOMPILE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+        target_precompile_headers(${target} PRIVATE <QByteArray> <QDateTime> <QHash> <QList> <QString> <QStringList>
+            <QVariant> <algorithm> <array> <atomic> <chrono> <functional> <map> <memory> <mutex> <optional> <string>
+            <vector> ${ARGN})
+    endif()
+endfunction()
 
 function(add_module name)
     cmake_parse_arguments(ARG "" "" "SOURCES;FORMS;LINKS;EXTERNAL" ${ARGN})
@@ -26,6 +37,7 @@ function(add_module name)
     target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
     list(TRANSFORM ARG_LINKS PREPEND havrel::)
     target_link_libraries(${name} PUBLIC ${ARG_LINKS} ${ARG_EXTERNAL} PRIVATE havrel_flags)
+    precompile_often_included(${name})
     set_property(GLOBAL APPEND PROPERTY HAVREL_LAYERS ${name})
 
     set(headers ${ARG_SOURCES})
@@ -51,6 +63,7 @@ function(add_module_tests name)
     endif()
     add_executable(${name}_tests ${ARG_SOURCES})
     target_link_libraries(${name}_tests PRIVATE ${ARG_MODULES} ${ARG_LINKS} GTest::gmock ${main} havrel_flags)
+    precompile_often_included(${name}_tests <gmock/gmock.h> <gtest/gtest.h>)
     if(ARG_DISPLAY)
         add_test(NAME ${name} COMMAND ${PROJECT_SOURCE_DIR}/scripts/with-display $<TARGET_FILE:${name}_tests>)
         set_tests_properties(${name} PROPERTIES LABELS "display;${name}")
