@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: MIT
+#include "messaging/xpc_proxy.h"
+
+namespace havrel {
+
+XPCProxy::~XPCProxy() = default;
+
+} // namespace havrel
