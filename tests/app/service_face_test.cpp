@@ -94,9 +94,11 @@ protected:
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 1'000);
         ASSERT_EQ(m_requests.asked.size(), count);
     }
-    /// Runs everything that stands on the main queue.
-    static void drain()
+    /// Runs everything that calls that were answered have put on the main queue: the event thread does that after the
+    /// answer.
+    void drain()
     {
+        EXPECT_EQ(m_serving.barrier(kDeadline), 0);
         bool reached = false;
         onMainQueue([&] { reached = true; });
         while (!reached)
