@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 
 namespace havrel {
@@ -20,6 +21,7 @@ ResizingPatternTextField::ResizingPatternTextField(QWidget* parent)
     : QLineEdit(parent)
 {
     setFrame(false);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed); // not Expanding, as fields usually are
     setLayoutDirection(Qt::LeftToRight);
     setInputMethodHints(Qt::ImhNoAutoUppercase | Qt::ImhNoPredictiveText);
     setAcceptDrops(false); // drops are the table's, but while it is edited
@@ -40,8 +42,9 @@ QSize ResizingPatternTextField::intrinsicContentSize() const
 
 QSize ResizingPatternTextField::minimumSizeHint() const
 {
-    const int width = kFewestCharacters * fontMetrics().averageCharWidth() + static_cast<int>(kAroundText);
-    return {width, QLineEdit::minimumSizeHint().height()};
+    const int fewest = kFewestCharacters * fontMetrics().averageCharWidth();
+    const int width = std::max(fewest, fontMetrics().horizontalAdvance(placeholderText()));
+    return {width + static_cast<int>(kAroundText), QLineEdit::minimumSizeHint().height()};
 }
 
 void ResizingPatternTextField::setEdited(bool isEdited)

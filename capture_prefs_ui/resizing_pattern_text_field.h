@@ -21,7 +21,7 @@ public:
     /// pixels. \selector intrinsicContentSize
     [[nodiscard]] QSize intrinsicContentSize() const;
     [[nodiscard]] QSize sizeHint() const override { return intrinsicContentSize(); }
-    [[nodiscard]] QSize minimumSizeHint() const override; ///< never too narrow to be hit
+    [[nodiscard]] QSize minimumSizeHint() const override; ///< wide enough to be hit, and for the placeholder
 
     /// Has the keyboard, or gets it back when a menu closes or the window comes to the front again.
     [[nodiscard]] bool isEdited() const noexcept { return m_isEdited; }

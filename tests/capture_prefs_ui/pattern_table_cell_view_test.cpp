@@ -92,6 +92,22 @@ TEST_F(PatternTableRow, ShowsItsDefinition)
     EXPECT_EQ(row(2)->typeLabel()->text(), QStringLiteral("regex"));
 }
 
+TEST_F(PatternTableRow, GivesItsFieldsTheWidthsOfTheirTexts)
+{
+    showPatterns({"a folder with a name//*.tmp", "a long line//that ends/with//depth/3"});
+    runMainQueue();
+    const auto isAsWideAsItsText = [](const ResizingPatternTextField& field) {
+        return field.width() == std::max(field.sizeHint().width(), field.minimumSizeHint().width());
+    };
+    EXPECT_TRUE(isAsWideAsItsText(*row(0)->pathField()));
+    EXPECT_TRUE(isAsWideAsItsText(*row(0)->textField()));
+    EXPECT_GT(row(0)->pathField()->width(), row(0)->textField()->width());
+    EXPECT_TRUE(isAsWideAsItsText(*row<PatternTableExpertCellView>(1)->textField()));
+    const int before = row(0)->textField()->width();
+    row(0)->textField()->setFocus(); // and has all the room that the others leave
+    EXPECT_TRUE(QTest::qWaitFor([&] { return row(0)->textField()->width() > 2 * before; }));
+}
+
 TEST_F(PatternTableRow, FollowsChangesOfItsDefinition)
 {
     showPatterns({"a//b*"});

@@ -54,6 +54,24 @@ TEST_F(ResizingField, IsAsWideAsItsParentWhileItIsEdited)
     EXPECT_EQ(field.intrinsicContentSize().width(), textWidth());
 }
 
+TEST_F(ResizingField, IsLaidOutAnewWhenEditingBeginsAndEnds)
+{
+    QWidget row(&window);
+    row.setGeometry(0, 50, 300, 40);
+    auto* layout = new QHBoxLayout(&row);
+    ResizingPatternTextField edited(&row);
+    edited.setText(QStringLiteral("some/path"));
+    layout->addWidget(&edited);
+    layout->addStretch();
+    row.show();
+    const int before = edited.width();
+    ASSERT_LT(before, 200);
+    edited.setFocus();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return edited.width() > 200; }));
+    other.setFocus();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return edited.width() == before; }));
+}
+
 TEST_F(ResizingField, HasNoWidthWhileItIsEditedWithoutAParent)
 {
     ResizingPatternTextField alone;
@@ -88,6 +106,8 @@ TEST_F(ResizingField, IsNeverTooNarrowToBeHit)
 {
     field.clear();
     EXPECT_GE(field.minimumSizeHint().width(), 10 * field.fontMetrics().averageCharWidth());
+    field.setPlaceholderText(QStringLiteral("what stands in an empty field, however long"));
+    EXPECT_GE(field.minimumSizeHint().width(), field.fontMetrics().horizontalAdvance(field.placeholderText()));
 }
 
 TEST_F(ResizingField, IsStillEditedWhileAMenuOrAnotherWindowIsInFront)
