@@ -8,7 +8,10 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
+#include <QHelpEvent>
 #include <QScrollBar>
+#include <QTextDocumentFragment>
+#include <QToolTip>
 
 namespace havrel::tests {
 namespace {
@@ -29,6 +32,15 @@ protected:
         QTest::mouseClick(table().viewport(), Qt::LeftButton, modifiers, {place.left() + 3, place.center().y()});
     }
     [[nodiscard]] const IndexSet& selected() { return table().selectedRowIndexes(); }
+    /// What is read when the mouse rests over a row.
+    [[nodiscard]] QString shownToolTip(qsizetype row)
+    {
+        const QPoint at = table().rowRect(row).center();
+        QHelpEvent rest(QEvent::ToolTip, at, table().viewport()->mapToGlobal(at));
+        QCoreApplication::sendEvent(table().viewport(), &rest);
+        const QString text = QToolTip::text();
+        return Qt::mightBeRichText(text) ? QTextDocumentFragment::fromHtml(text).toPlainText() : text;
+    }
 };
 
 TEST_F(TableViewWithRows, MakesWidgetsOnlyForRowsAboutInSight)
@@ -317,9 +329,23 @@ TEST_F(TableViewWithRows, LetsClicksThroughBoxes)
     ASSERT_NE(box, nullptr);
     EXPECT_EQ(box->frameShape(), QFrame::NoFrame);
     EXPECT_EQ(box->contentsMargins(), QMargins());
+    EXPECT_FALSE(box->autoFillBackground());
     EXPECT_EQ(row(1)->childAt(box->geometry().center()), nullptr);
     QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, box->mapTo(&window, box->rect().center()));
     EXPECT_EQ(selected(), IndexSet{1});
+}
+
+TEST_F(TableViewWithRows, ShowsACompleteLineAsItIsWhenTheMouseRestsOnIt)
+{
+    for (const char* line : {"x//b/3", "A & B//c/3", "x//\"quoted\"/3", "x//<b>/3", "x//a  b&lt;/3"}) {
+        controller().setFilterDefs({pattern(line)});
+        show();
+        runMainQueue();
+        EXPECT_EQ(shownToolTip(0), QString::fromUtf8(line));
+    }
+    controller().setFilterDefs(numberedPatterns(1));
+    (void)shownToolTip(0);
+    EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
 }
 
 TEST_F(TableViewWithRows, IsTooNarrowForNoFieldWithTheLargestFonts)
