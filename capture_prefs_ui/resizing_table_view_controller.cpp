@@ -26,8 +26,9 @@ ResizingTableViewController::ResizingTableViewController(TableView& table, QObje
 
 ResizingTableViewController::~ResizingTableViewController()
 {
-    m_tableView.setDataSource(nullptr);
     m_tableView.setDelegate(nullptr);
+    m_tableView.setDataSource(nullptr);
+    m_tableView.reloadData(); // there is nobody left to make its rows
 }
 
 void ResizingTableViewController::setAddButton(QAbstractButton* button)

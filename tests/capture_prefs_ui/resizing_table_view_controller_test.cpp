@@ -87,6 +87,22 @@ TEST_F(TableSizing, FollowsTheFont)
     EXPECT_EQ(constant(), heightOfRows(2));
 }
 
+TEST(ResizingTableViewController, LeavesATableWithoutRowsBehind)
+{
+    TableView table;
+    table.resize(300, 100);
+    table.show();
+    {
+        PatternTableViewController controller(table);
+        controller.setFilterDefs(numberedPatterns(50));
+        ASSERT_NE(table.viewAtRow(0), nullptr);
+        table.viewAtRow(0)->autoEdit();
+    }
+    table.resize(300, 300); // there is room for more rows now
+    EXPECT_EQ(table.numberOfRows(), 0);
+    EXPECT_TRUE(table.views().empty());
+}
+
 TEST(ResizingTableViewController, DoesNothingByItself)
 {
     class Plain final : public ResizingTableViewController
