@@ -42,11 +42,6 @@ void RowSelection::selectAll(qsizetype count)
         selectRange(0, count - 1);
 }
 
-void RowSelection::clear()
-{
-    m_rows = {};
-}
-
 void RowSelection::set(IndexSet rows, qsizetype current)
 {
     m_rows = std::move(rows);

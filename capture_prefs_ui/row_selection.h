@@ -25,7 +25,6 @@ public:
 
     void go(qsizetype row, Change change);
     void selectAll(qsizetype count);
-    void clear(); ///< The keyboard stays where it is.
     /// Sets all of it; the anchor is the current row.
     void set(IndexSet rows, qsizetype current);
 

@@ -7,6 +7,9 @@
 #include <QAccessibleWidget>
 #include <QCoreApplication>
 
+#include <algorithm>
+#include <iterator>
+
 namespace havrel {
 namespace {
 

@@ -12,6 +12,9 @@
 #include <QMouseEvent>
 
 #include <algorithm>
+#include <limits>
+#include <optional>
+#include <utility>
 
 namespace havrel {
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Drops by events sent by hand; real drags are in real_drag_test.cpp.
+// Drops by events sent by hand; real drags are in real_display_test.cpp.
 #include "capture_prefs_ui/table_drop_indicator.h"
 #include "capture_prefs_ui/table_view.h"
 #include "tests/capture_prefs_ui/pattern_table_fixture.h"
