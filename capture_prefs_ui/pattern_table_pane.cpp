@@ -101,6 +101,8 @@ void PatternTablePane::addUndoActions()
     QAction* redo = m_controller->undoManager().createRedoAction(this);
     redo->setShortcuts(QKeySequence::Redo);
     addActions({undo, redo});
+    m_form->tableView->addActions({undo, redo}); // whose menu shows what each of them is about
+    m_form->tableView->setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
 void PatternTablePane::makeAddMenu()

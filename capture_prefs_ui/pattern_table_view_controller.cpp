@@ -15,6 +15,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <utility>
 
 namespace havrel {
 namespace {
@@ -59,8 +60,9 @@ PatternFilterDefs PatternTableViewController::ownDefinitions(const PatternFilter
     PatternFilterDefs result;
     result.reserve(definitions.size());
     for (const PatternFilterDefPtr& each : definitions) {
-        result << (own.contains(each.get()) ? each : each->copyWithZone());
-        if (result.constLast() != each)
+        const bool isOwn = own.contains(each.get());
+        result << (isOwn ? each : each->copyWithZone());
+        if (!isOwn)
             result.constLast()->configure(patternEnvironment());
     }
     return result;

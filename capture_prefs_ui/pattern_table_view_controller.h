@@ -36,10 +36,8 @@ public:
     PatternTableViewController(PatternTableViewController&&) = delete;
     PatternTableViewController& operator=(PatternTableViewController&&) = delete;
 
-    [[nodiscard]] const PatternFilterDefs& filterDefs() const noexcept
-    {
-        return m_filterDefs;
-    } ///< \selector filterDefs
+    /// \selector filterDefs
+    [[nodiscard]] const PatternFilterDefs& filterDefs() const noexcept { return m_filterDefs; }
     /// Keeps each definition that is in the list as the very same object; of any other, a copy in the
     /// patternEnvironment. A list of equal definitions tells nobody. \selector setFilterDefs:
     void setFilterDefs(const PatternFilterDefs& definitions);

@@ -73,8 +73,17 @@ TEST_F(PatternTableList, KeepsTheVerySameObjectsThatItHasAlready)
 TEST_F(PatternTableList, KeepsThePlaceholderItself)
 {
     const PatternFilterDefPtr placeholder = PatternFilterDef::filterDefPlaceholder();
+    controller().setRepositoryPatterns(true);
     controller().setFilterDefs({placeholder});
     EXPECT_EQ(controller().filterDefs()[0], placeholder);
+    EXPECT_TRUE(placeholder->rooted()); // configured as any other copy
+}
+
+TEST_F(PatternTableList, TakesNoListForAnEmptyOne)
+{
+    controller().setFilterDefs(numberedPatterns(2));
+    ASSERT_TRUE(controller().setProperty("filterDefs", QVariant()));
+    EXPECT_TRUE(controller().filterDefs().isEmpty());
 }
 
 TEST_F(PatternTableList, ConfiguresCopiesForAnArchiveOrAnItem)
@@ -130,6 +139,20 @@ TEST_F(PatternTableList, NamesTheStepsThatCanBeTakenBack)
     undo.undo();
     EXPECT_EQ(undo.redoText(), QStringLiteral("Add Patterns"));
     EXPECT_EQ(lines(), (texts({"//0*", "//a*", "//b*", "//c*"})));
+}
+
+TEST_F(PatternTableList, NamesTheStepsInTheMenuOfTheTable)
+{
+    EXPECT_EQ(table().contextMenuPolicy(), Qt::ActionsContextMenu);
+    const QList<QAction*> steps = table().actions();
+    ASSERT_EQ(steps.size(), 2);
+    EXPECT_FALSE(steps[0]->isEnabled() || steps[1]->isEnabled());
+    controller().addPatterns(numberedPatterns(2));
+    EXPECT_EQ(steps[0]->text(), QStringLiteral("Undo Add Patterns"));
+    steps[0]->trigger();
+    EXPECT_EQ(lines(), QStringList());
+    EXPECT_EQ(steps[1]->text(), QStringLiteral("Redo Remove Patterns"));
+    EXPECT_FALSE(steps[0]->isEnabled());
 }
 
 TEST_F(PatternTableList, NamesAStepThatKeepsTheLengthRemoving)
@@ -305,10 +328,15 @@ TEST_F(PatternTableList, OpensItsMenuFromTheAddButton)
     QMenu& menu = *controller().addMenu();
     QTest::mouseClick(controller().addButton(), Qt::LeftButton);
     EXPECT_TRUE(menu.isVisible());
-    EXPECT_EQ(menu.actions().size(), 3);
-    menu.actions()[2]->trigger();
-    EXPECT_EQ(lines(), (texts({"path//pattern.*"})));
+    ASSERT_EQ(menu.actions().size(), 3);
+    for (QAction* each : menu.actions())
+        each->trigger();
     menu.close();
+    const PatternFilterDefs& added = controller().filterDefs();
+    ASSERT_EQ(added.size(), 3);
+    EXPECT_TRUE(added[0]->simple() && added[0]->type() == PatternType::Glob);
+    EXPECT_TRUE(added[1]->simple() && added[1]->type() == PatternType::RegularExpression);
+    EXPECT_EQ(added[2]->completePattern(), QStringLiteral("path//pattern.*"));
 }
 
 TEST_F(PatternTableList, EveryCommandOfTheMenuShowsAnExampleThatIsValid)
