@@ -114,6 +114,21 @@ void Command::action(std::function<ExitStatus()> action)
 
 namespace {
 
+/// What is typed to get there: "havrel captureprefs".
+std::string wordsTo(const CLI::App& app)
+{
+    const CLI::App* parent = app.get_parent();
+    return parent ? wordsTo(*parent) + ' ' + app.get_name() : app.get_name();
+}
+
+std::string namesOf(const std::vector<const CLI::App*>& apps)
+{
+    std::string names;
+    for (const CLI::App* each : apps)
+        names += (names.empty() ? "" : ", ") + each->get_name();
+    return names;
+}
+
 /// The program's first words, of which only the one that is given has its second words made, and only the one of those
 /// that is given its options: a start is to cost no more than what it needs.
 class Program
@@ -149,6 +164,8 @@ public:
             m_app.exit(asked, text);
             writeRecord(QByteArray::fromStdString(text.str()).trimmed());
             return ExitStatus::Done;
+        } catch (const CLI::RequiredError&) { // nothing but subcommands is required
+            return wrongUsage(missingSubcommand());
         } catch (const CLI::ParseError& error) {
             return wrongUsage(error.what());
         } catch (const WrongUsage& error) {
@@ -178,15 +195,32 @@ private:
         });
     }
 
-    ExitStatus wrongUsage(const std::string& reason)
+    /// The subcommand that was given, or the group as far as that went.
+    [[nodiscard]] const CLI::App& chosenApp() const
     {
-        std::string words = "havrel";
-        for (const CLI::App* app = &m_app; !app->get_subcommands().empty();) {
+        const CLI::App* app = &m_app;
+        while (!app->get_subcommands().empty())
             app = app->get_subcommands().front();
-            words += ' ' + app->get_name();
-        }
-        std::cerr << "havrel: " << printableName(QByteArray::fromStdString(reason)).constData() << " (see '" << words
-                  << " --help')\n";
+        return *app;
+    }
+
+    /// Which word is none of the subcommands, if there is one, and which there are.
+    [[nodiscard]] std::string missingSubcommand() const
+    {
+        const CLI::App& group = chosenApp();
+        const std::vector<std::string> unknown = group.remaining();
+        const std::string own = '"' + wordsTo(group) + '"';
+        if (!unknown.empty() && unknown.front().starts_with('-'))
+            return own + " has no option \"" + unknown.front() + '"';
+        const std::string what =
+            unknown.empty() ? " needs a command" : " has no command \"" + unguarded(unknown.front()) + '"';
+        return own + what + "; it has " + namesOf(group.get_subcommands([](const CLI::App*) { return true; }));
+    }
+
+    ExitStatus wrongUsage(const std::string& reason) const
+    {
+        std::cerr << "havrel: " << printableName(QByteArray::fromStdString(reason)).constData() << " (see '"
+                  << wordsTo(chosenApp()) << " --help')\n";
         return ExitStatus::WrongUsage;
     }
 
