@@ -51,7 +51,9 @@ void tell(const Integration& integration, const Change& change, const char* what
     const QByteArray name = toned(Tone::Name, integration.manager().name);
     for (const QByteArray& path : change.changed)
         writeRecord(name + ": " + what + ' ' + path);
-    if (change.changed.isEmpty() && change.fault.isNull())
+    for (const QByteArray& path : change.kept)
+        writeRecord(name + ": kept, because it was installed and not added: " + path);
+    if (change.changed.isEmpty() && change.kept.isEmpty() && change.fault.isNull())
         writeRecord(name + ": nothing to do");
     const IntegrationRow row = rowOf(integration);
     if (row.isMenuThere && row.isPackageMissing)
@@ -103,8 +105,8 @@ void defineIntegrations(Command& command)
         "package\n"
         "has to load them, and whether it must be started again to show them.\n"
         "\n"
-        "'add' brings the commands to your own menus, 'remove' takes them away again; what is installed for everybody\n"
-        "is not doubled and stays. Thunar keeps the actions of all programs in one file: only Havrel's are changed in\n"
+        "'add' brings the commands to your own menus, 'remove' takes them away again; what is installed is\n"
+        "not doubled and stays. Thunar keeps the actions of all programs in one file: only Havrel's are changed in\n"
         "it, and the file as it was is kept beside it as uca.xml.before-havrel.\n"
         "\n"
         "Examples:\n"

@@ -14,6 +14,20 @@
 namespace havrel::integrations {
 namespace {
 
+/// Ends each file that \ref Integration::add writes. What does not have it was not put there by that.
+constexpr char kMark[] = "# Written by 'havrel integrations add'; 'havrel integrations remove' takes it away.\n";
+
+bool isMarked(const QByteArray& contents)
+{
+    return contents.contains(kMark);
+}
+
+/// Whether that is the file of this version, be it an installation's or a marked one.
+bool isOfThisVersion(const platform::FileContents& file, const EntryFile& entry)
+{
+    return file.error == 0 && (file.bytes == entry.contents || file.bytes == entry.contents + kMark);
+}
+
 QByteArrayList pathsBelow(const QByteArray& folder, const QList<EntryFile>& files)
 {
     QByteArrayList paths;
@@ -37,7 +51,7 @@ Presence presenceIn(const QByteArray& folder, const QList<EntryFile>& files)
     for (const EntryFile& each : files) {
         const platform::FileContents file = platform::readFile(folder + '/' + each.path);
         count += file.error != ENOENT ? 1 : 0;
-        right += file.error == 0 && file.bytes == each.contents ? 1 : 0;
+        right += isOfThisVersion(file, each) ? 1 : 0;
     }
     return presenceOf(count, right, files.size());
 }
@@ -53,9 +67,9 @@ void writeEntries(const Way& way, const QByteArray& folder, Change& change)
 {
     for (const EntryFile& each : way.files()) {
         const QByteArray path = folder + '/' + each.path;
-        if (const platform::FileContents old = platform::readFile(path); old.error == 0 && old.bytes == each.contents)
+        if (isOfThisVersion(platform::readFile(path), each))
             continue;
-        if (const int error = writeEntry(path, each.contents, way.mustBeExecutable ? 0755 : 0644)) {
+        if (const int error = writeEntry(path, each.contents + kMark, way.mustBeExecutable ? 0755 : 0644)) {
             change.at = path;
             change.fault = systemErrorText(error);
             return;
@@ -64,25 +78,34 @@ void writeEntries(const Way& way, const QByteArray& folder, Change& change)
     }
 }
 
-void removeEntries(const Way& way, const QByteArray& folder, Change& change)
+void removeEntry(const QByteArray& path, Change& change)
 {
-    for (const QByteArray& path : pathsBelow(folder, way.files())) {
-        const int error = platform::removeItem(path);
-        if (error == 0) {
-            change.changed.append(path);
-        } else if (error != ENOENT && error != ENOTDIR) {
-            change.at = path;
-            change.fault = systemErrorText(error);
-        }
+    const platform::FileContents file = platform::readFile(path);
+    if (file.error == 0 && !isMarked(file.bytes)) {
+        change.kept.append(path);
+        return;
+    }
+    const int error = file.error == 0 ? platform::removeItem(path) : file.error;
+    if (error == 0) {
+        change.changed.append(path);
+    } else if (error != ENOENT && error != ENOTDIR) {
+        change.at = path;
+        change.fault = systemErrorText(error);
     }
 }
 
-/// How much of what the user wants there is; the greatest is shown.
+void removeEntries(const Way& way, const QByteArray& folder, Change& change)
+{
+    for (const QByteArray& path : pathsBelow(folder, way.files()))
+        removeEntry(path, change);
+}
+
+/// How close that is to commands in the menu; the greatest is shown.
 int rankOf(const WayState& state)
 {
-    if (state.isThere())
-        return state.isLoaderMissing ? 2 : 3;
-    return state.isLoaderMissing ? 0 : 1;
+    if (!state.isLoaderMissing)
+        return state.isThere() ? 3 : 2;
+    return state.isThere() ? 1 : 0;
 }
 
 /// How good it would be to add to it; the greatest is used.

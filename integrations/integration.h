@@ -35,6 +35,7 @@ struct WayState
 struct Change
 {
     QByteArrayList changed; ///< the files that were written or removed
+    QByteArrayList kept;    ///< the files that were not removed, because \ref Integration::add did not write them
     QByteArray at;          ///< the file that the fault is about
     QString fault;          ///< null when all went well
 };
@@ -55,14 +56,15 @@ public:
     [[nodiscard]] bool isRunning() const;
     /// Every way, the best first. Blocks on the disk.
     [[nodiscard]] QList<WayState> states() const;
-    /// The way that shows the commands now; else the one that is there but lacks something; else the one that would be
-    /// added.
+    /// The way that shows the commands now; else the one that could be added as things are; else the one that is there
+    /// but lacks its loader; else the best.
     [[nodiscard]] WayState state() const;
 
     /// Brings the commands to the user's own menus by the best way for which everything is there; what is there already
     /// for everybody is not doubled. Blocks on the disk.
     [[nodiscard]] Change add() const;
-    /// Takes away what \ref add brought, by whatever way. Blocks on the disk.
+    /// Takes away what \ref add brought, by whatever way; what an installation put into the user's own folders stays.
+    /// Blocks on the disk.
     [[nodiscard]] Change remove() const;
 
 private:

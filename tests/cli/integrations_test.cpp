@@ -50,6 +50,15 @@ TEST_F(Integrations, AddsAndRemovesWhatIsNamed)
     EXPECT_TRUE(runHere({"--json"}).output.contains("\"name\":\"dolphin\",\"installed\":false,\"menu\":null"));
 }
 
+TEST_F(Integrations, SaysWhatItDoesNotRemoveBecauseItWasInstalled)
+{
+    m_tree.add("data/kio/servicemenus/");
+    m_tree.write("data/kio/servicemenus/havrel.desktop", "[Desktop Entry]\n");
+    EXPECT_EQ(runHere({"remove", "dolphin"}).output,
+              "Dolphin: kept, because it was installed and not added: " +
+                  m_tree.bytes("data/kio/servicemenus/havrel.desktop") + '\n');
+}
+
 TEST_F(Integrations, TellsWhatItCannotChange)
 {
     m_tree.add("config/Thunar/");

@@ -134,9 +134,9 @@ TEST_F(IntegrationOn, AMissingLoaderIsTold)
     const Integration thunar = integration("thunar");
     installForEverybody(way(thunar, 0), "usr");
     installLoader(way(thunar, 0));
-    EXPECT_TRUE(thunar.state().isLoaderMissing) << "its interface is not described yet";
+    EXPECT_TRUE(thunar.states()[0].isLoaderMissing) << "its interface is not described yet";
     m_tree.add(std::string("lib/x86_64-linux-gnu/") + way(thunar, 0).description);
-    EXPECT_FALSE(thunar.state().isLoaderMissing);
+    EXPECT_FALSE(thunar.states()[0].isLoaderMissing);
 }
 
 TEST_F(IntegrationOn, TheBestWayWithItsLoaderIsAdded)
@@ -173,10 +173,43 @@ TEST_F(IntegrationOn, AnExtensionWithoutItsLoaderDoesNotKeepActionsAway)
 {
     const Integration thunar = integration("thunar");
     installForEverybody(way(thunar, 0), "usr");
-    EXPECT_TRUE(thunar.state().isLoaderMissing);
+    EXPECT_STREQ(thunar.state().way->name, "actions") << "which need no package";
+    EXPECT_FALSE(thunar.state().isThere());
     EXPECT_EQ(thunar.add().changed, QByteArrayList{m_tree.bytes(kUca)});
     EXPECT_FALSE(thunar.state().isLoaderMissing);
     EXPECT_STREQ(thunar.state().way->name, "actions");
+}
+
+TEST_F(IntegrationOn, AnExtensionWithoutItsLoaderIsToldWhereNothingElseWouldDo)
+{
+    const Integration caja = integration("caja");
+    installForEverybody(way(caja, 0), "usr");
+    EXPECT_TRUE(caja.state().isThere());
+    EXPECT_TRUE(caja.state().isLoaderMissing);
+}
+
+TEST_F(IntegrationOn, WhatAnInstallationPutIntoTheUsersFolderStays)
+{
+    const Integration nemo = integration("nemo");
+    for (const EntryFile& each : way(nemo, 1).files())
+        m_tree.add(std::string("home/data/") + each.path.toStdString());
+    const QByteArray first = way(nemo, 1).files().constFirst().path;
+    m_tree.write("home/data/" + first.toStdString(), way(nemo, 1).files().constFirst().contents.toStdString());
+    ASSERT_EQ(nemo.add().changed.size(), 2) << "those that are not of this version";
+    const Change removed = nemo.remove();
+    EXPECT_TRUE(removed.fault.isNull());
+    EXPECT_EQ(removed.changed.size(), 2);
+    EXPECT_EQ(removed.kept, QByteArrayList{m_tree.bytes("home/data/" + first.toStdString())});
+    EXPECT_TRUE(exists(("home/data/" + first).constData()));
+}
+
+TEST_F(IntegrationOn, AnEntryThatCannotBeReadIsNotRemoved)
+{
+    const Integration caja = integration("caja");
+    m_tree.add("home/data/" + way(caja, 0).files().constFirst().path.toStdString() + '/');
+    const Change removed = caja.remove();
+    EXPECT_EQ(removed.fault, QStringLiteral("Is a directory"));
+    EXPECT_TRUE(removed.changed.isEmpty());
 }
 
 TEST_F(IntegrationOn, OldCopiesAreToldAndRenewed)
