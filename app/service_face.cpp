@@ -3,6 +3,7 @@
 
 #include "app/accepted_requests.h"
 #include "app/desktop_requests.h"
+#include "app/provided_activation_token.h"
 #include "app/service_requests.h"
 #include "diagnostics/logr.h"
 #include "foundation/dispatch.h"
@@ -27,17 +28,6 @@ Pasteboard pasteboardIn(const QVariant& dictionary)
     for (auto each = types.constKeyValueBegin(); each != types.constKeyValueEnd(); ++each)
         pasteboard.insert(each->first, each->second.toByteArray());
     return pasteboard;
-}
-
-/// Where the toolkit looks for the token before it raises a window.
-void provideActivationToken(const Pasteboard& pasteboard)
-{
-    constexpr const char* kVariable = "XDG_ACTIVATION_TOKEN";
-    const QByteArray token = pasteboard.value(pasteboard::kActivationToken);
-    if (token.isEmpty() || token.contains('\0'))
-        qunsetenv(kVariable);
-    else
-        qputenv(kVariable, token);
 }
 
 } // namespace
@@ -81,7 +71,7 @@ void ServiceFace::Life::perform(ServiceRequest request, const Pasteboard& pasteb
     accepted.begin();
     if (request == nullptr)
         return;
-    provideActivationToken(pasteboard);
+    const ProvidedActivationToken token(pasteboard);
     runAtWall([&] { (requests.*request)(pasteboard); });
 }
 

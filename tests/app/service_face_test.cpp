@@ -189,6 +189,25 @@ TEST_F(ServiceFaceOnABus, LeavesTheActivationTokenToTheRequestThatBroughtIt)
     EXPECT_EQ(m_requests.asked[1].token, "");
 }
 
+TEST_F(ServiceFaceOnABus, TakesTheActivationTokenBackAfterTheRequest)
+{
+    QVariantMap items = m_items;
+    items.insert(pasteboard::kActivationToken, QByteArray("token-1"));
+    QByteArray afterTheInner;
+    m_requests.meanwhile = [&] {
+        if (m_requests.asked.size() > 1)
+            return;
+        ASSERT_EQ(m_client.callAndWait(request(service_address::kCapture, m_items)).error, 0);
+        await(2);
+        afterTheInner = qgetenv("XDG_ACTIVATION_TOKEN");
+    };
+    ASSERT_EQ(m_client.send(request(service_address::kReveal, items)), 0);
+    await(2);
+    EXPECT_EQ(m_requests.asked[1].token, "");
+    EXPECT_EQ(afterTheInner, "token-1");
+    EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
+}
+
 TEST_F(ServiceFaceOnABus, IsAnApplicationThatADesktopCanStart)
 {
     const QVariantMap token{{QStringLiteral("activation-token"), QStringLiteral("t")},
