@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/desktop_requests.h"
 
-#include "app/service_requests.h"
-
 namespace havrel {
 namespace {
 

@@ -1,16 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "foundation/pasteboard.h"
+#include "app/service_requests.h"
 
 #include <QStringList>
 #include <QVariant>
 
 namespace havrel {
-
-class ServiceRequests;
-
-using ServiceRequest = void (ServiceRequests::*)(const Pasteboard& pasteboard);
 
 /// The request that the action \p name of the desktop file stands for; null for a name that is none.
 ///

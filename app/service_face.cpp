@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "app/service_face.h"
 
-#include "app/accepted_requests.h"
 #include "app/desktop_requests.h"
 #include "app/provided_activation_token.h"
-#include "app/service_requests.h"
+#include "app/request_queue.h"
 #include "diagnostics/logr.h"
 #include "foundation/dispatch.h"
 #include "foundation/service_address.h"
 #include "platform/bus_connection.h"
 #include "platform/systemd_library.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace havrel {
 namespace {
@@ -20,14 +22,24 @@ using platform::BusRegistration;
 using platform::BusRequest;
 
 constexpr std::chrono::seconds kFlushLimit{2};
+/// Enough for the next one to start; a supervisor that waits for our end before it starts it must not wait long.
+constexpr std::chrono::seconds kPassingOnLimit{2};
 
-Pasteboard pasteboardIn(const QVariant& dictionary)
+struct Service
 {
-    Pasteboard pasteboard;
-    const QVariantMap types = dictionary.toMap();
-    for (auto each = types.constKeyValueBegin(); each != types.constKeyValueEnd(); ++each)
-        pasteboard.insert(each->first, each->second.toByteArray());
-    return pasteboard;
+    const char* name;
+    ServiceRequest request;
+};
+
+constexpr Service kServices[] = {
+    {service_address::kReveal, &ServiceRequests::revealInArchive},
+    {service_address::kCapture, &ServiceRequests::captureToArchive},
+    {service_address::kPreferences, &ServiceRequests::setCapturePreferences},
+};
+
+void refuse(BusRequest& call, const ServiceFace::Refusal& refusal)
+{
+    (void)call.fail(refusal.error, refusal.text);
 }
 
 } // namespace
@@ -42,14 +54,16 @@ struct ServiceFace::Life : std::enable_shared_from_this<Life>
     }
 
     void accept(BusRequest call, ServiceRequest request, const Pasteboard& pasteboard);
-    void perform(ServiceRequest request, const Pasteboard& pasteboard);
-    BusMethod service(const char* name, ServiceRequest request);
+    void performNext();
+    [[nodiscard]] bool passOn(const RequestQueue::Waiting& waiting);
+    void giveNameUp();
+    BusMethod service(const Service& declared);
     BusInterface services();
     BusInterface application();
     void activateAction(BusRequest call);
 
     ServiceRequests& requests;
-    AcceptedRequests accepted;
+    RequestQueue queue;
     platform::BusConnection& bus;
     BusRegistration servicesExport;
     BusRegistration applicationExport;
@@ -58,39 +72,71 @@ struct ServiceFace::Life : std::enable_shared_from_this<Life>
 /// On the event thread: answers, and leaves the work to the main queue.
 void ServiceFace::Life::accept(BusRequest call, ServiceRequest request, const Pasteboard& pasteboard)
 {
-    if (!accepted.accept()) { // by our unique name, which nobody else answers to; the well-known one is free
-        (void)call.fail("org.freedesktop.DBus.Error.ServiceUnknown", QStringLiteral("The service has ended"));
-        return;
+    switch (queue.arrive(call, {request, pasteboard})) {
+    case RequestQueue::Arrival::Accepted:
+        (void)call.reply(); // a caller that has gone wants the work all the same
+        onMainQueue([life = shared_from_this()] { life->performNext(); });
+        break;
+    case RequestQueue::Arrival::Kept:
+        break;
+    case RequestQueue::Arrival::Refused: // by our unique name, which nobody else answers to
+        refuse(call, {});
+        break;
     }
-    (void)call.reply(); // a caller that has gone wants the work all the same
-    onMainQueue([life = shared_from_this(), request, pasteboard] { life->perform(request, pasteboard); });
 }
 
-void ServiceFace::Life::perform(ServiceRequest request, const Pasteboard& pasteboard)
+void ServiceFace::Life::performNext()
 {
-    accepted.begin();
-    if (request == nullptr)
+    const std::optional<RequestQueue::Waiting> next = queue.begin();
+    if (!next || next->request == nullptr)
         return;
-    const ProvidedActivationToken token(pasteboard);
-    runAtWall([&] { (requests.*request)(pasteboard); });
+    const ProvidedActivationToken token(next->pasteboard);
+    runAtWall([&] { (requests.*next->request)(next->pasteboard); });
 }
 
-BusMethod ServiceFace::Life::service(const char* name, ServiceRequest request)
+/// Asks the one that has the name now, whom the bus starts. Waits for its answer: the bus forgets the calls of those
+/// that have gone.
+bool ServiceFace::Life::passOn(const RequestQueue::Waiting& waiting)
 {
-    return {.name = name, .takes = "a{say}", .takesNames = {"pasteboard"}, .call = [this, request](BusRequest call) {
-                const Pasteboard pasteboard = pasteboardIn(call.values().constFirst());
+    const auto* const service = std::ranges::find(kServices, waiting.request, &Service::request);
+    if (service == std::end(kServices))
+        return true; // nothing is to be done
+    return bus.callAndWait({.destination = service_address::kBusName,
+                            .path = service_address::kObjectPath,
+                            .interface = service_address::kInterface,
+                            .member = service->name,
+                            .body = {"a{say}", {dictionaryOf(waiting.pasteboard)}},
+                            .limit = kPassingOnLimit})
+               .error == 0;
+}
+
+/// What the bus has routed here by the name has arrived afterwards.
+void ServiceFace::Life::giveNameUp()
+{
+    (void)platform::notifySupervisor("STOPPING=1");
+    (void)bus.releaseName(service_address::kBusName); // without a bus, nobody calls any more
+    (void)bus.barrier(kFlushLimit);
+}
+
+BusMethod ServiceFace::Life::service(const Service& declared)
+{
+    return {.name = declared.name,
+            .takes = "a{say}",
+            .takesNames = {"pasteboard"},
+            .call = [this, request = declared.request](BusRequest call) {
+                const Pasteboard pasteboard = pasteboardOf(call.values().constFirst().toMap());
                 accept(std::move(call), request, pasteboard);
             }};
 }
 
 BusInterface ServiceFace::Life::services()
 {
-    return {.name = service_address::kInterface,
-            .methods = {
-                service(service_address::kReveal, &ServiceRequests::revealInArchive),
-                service(service_address::kCapture, &ServiceRequests::captureToArchive),
-                service(service_address::kPreferences, &ServiceRequests::setCapturePreferences),
-            }};
+    BusInterface interface {
+        .name = service_address::kInterface, .methods = {}
+    };
+    for (const Service& each : kServices)
+        interface.methods.push_back(service(each));
+    return interface;
 }
 
 void ServiceFace::Life::activateAction(BusRequest call)
@@ -149,14 +195,28 @@ int ServiceFace::appear()
 
 bool ServiceFace::leave()
 {
-    platform::BusConnection& bus = m_life->bus;
-    (void)platform::notifySupervisor("STOPPING=1");
-    (void)bus.releaseName(service_address::kBusName); // without a bus, nobody calls any more
-    (void)bus.barrier(kFlushLimit);
-    if (m_life->accepted.close())
+    m_life->giveNameUp();
+    if (m_life->queue.closeUnlessSomeWait())
         return true;
-    (void)bus.requestName(service_address::kBusName);
+    (void)m_life->bus.requestName(service_address::kBusName);
     return false;
+}
+
+void ServiceFace::keepRequests()
+{
+    m_life->queue.keep();
+}
+
+void ServiceFace::end(const Refusal& refusal)
+{
+    m_life->giveNameUp();
+    RequestQueue::Rest rest = m_life->queue.close();
+    const auto passOn = [this](const RequestQueue::Waiting& each) { return m_life->passOn(each); };
+    if (!std::ranges::all_of(rest.accepted, passOn)) // after one that takes nobody, none would
+        Logr::log(LogClassification::Failure, QStringLiteral("A request came too late, and nobody else took it"));
+    for (BusRequest& each : rest.kept)
+        refuse(each, refusal);
+    (void)m_life->bus.barrier(kFlushLimit);
 }
 
 } // namespace havrel

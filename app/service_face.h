@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QString>
+
 #include <memory>
 
 namespace havrel {
@@ -19,6 +21,13 @@ class BusConnection;
 class ServiceFace
 {
 public:
+    /// What a caller is told that comes too late.
+    struct Refusal
+    {
+        const char* error = "org.freedesktop.DBus.Error.ServiceUnknown"; ///< so that it asks once more
+        QString text = QStringLiteral("The service has ended");
+    };
+
     /// \param requests must live as long as the main queue runs blocks
     /// \param bus is open, and must live longer
     ServiceFace(ServiceRequests& requests, platform::BusConnection& bus);
@@ -39,6 +48,14 @@ public:
     /// \return whether the process may end. If not, requests came at the last moment: they are about to run on the main
     ///         queue, the name is taken again when nobody else has it yet, and the process goes on living.
     [[nodiscard]] bool leave();
+
+    /// Lets requests wait from here on, until the end: those that come get no answer, and none begins.
+    void keepRequests();
+    /// Gives the name up for good. Requests that were answered and have not begun are passed on to the next process,
+    /// which the bus starts; callers that wait for their answer are sent away with \p refusal. Waits for the bus and
+    /// for the next process, a few seconds at most unless the bus itself stands still; does not run the event loop.
+    void end(const Refusal& refusal);
+    void end() { end(Refusal()); }
 
 private:
     struct Life;

@@ -78,8 +78,9 @@ int ServiceProgram::run()
         status = statusOf(m_appearError);
     else
         status = QCoreApplication::exec();
-    m_alerts.end();
-    m_delegate->writePendingChanges();
+    finish();
+    if (m_face)
+        m_face->end();
     ServiceApplicationDelegate::applicationWillTerminate(status);
     return status;
 }
@@ -118,11 +119,20 @@ void ServiceProgram::terminate()
 
 void ServiceProgram::endNow()
 {
-    if (std::exchange(m_ending, true))
+    if (m_ending)
         return;
-    m_alerts.end();
-    m_delegate->writePendingChanges();
+    finish();
     QCoreApplication::exit(0);
+}
+
+/// A window that opened while the changes are written would go at once: so no request begins from here on.
+void ServiceProgram::finish()
+{
+    m_ending = true;
+    m_alerts.end();
+    if (m_face)
+        m_face->keepRequests();
+    m_delegate->writePendingChanges();
 }
 
 void ServiceProgram::displayHasGone()

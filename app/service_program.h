@@ -24,7 +24,8 @@ class TerminationSignals;
 /// The service application, put together from its parts; the application object exists before and after it.
 ///
 /// However the process ends (idle, by a signal, with the bus, the session or the display), what windows have not
-/// written yet is written first. Then nobody can answer any more, so what fails is logged.
+/// written yet is written first. Then nobody can answer any more, so what fails is logged. Requests that come meanwhile
+/// are for the next process.
 ///
 /// Threads: the main thread only.
 class ServiceProgram
@@ -49,6 +50,7 @@ private:
     void listenToTheSession();
     void terminate();
     void endNow();
+    void finish();
     void displayHasGone();
 
     InstalledTranslations m_translations;

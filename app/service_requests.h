@@ -32,4 +32,7 @@ public:
     virtual void setCapturePreferences(const Pasteboard& pasteboard) = 0;
 };
 
+/// One of them.
+using ServiceRequest = void (ServiceRequests::*)(const Pasteboard& pasteboard);
+
 } // namespace havrel

@@ -65,14 +65,6 @@ QByteArray activationToken()
     return token.isEmpty() ? qgetenv("DESKTOP_STARTUP_ID") : token;
 }
 
-QVariantMap dictionaryOf(const Pasteboard& pasteboard)
-{
-    QVariantMap dictionary;
-    for (auto each = pasteboard.constKeyValueBegin(); each != pasteboard.constKeyValueEnd(); ++each)
-        dictionary.insert(each->first, each->second);
-    return dictionary;
-}
-
 } // namespace
 
 ServiceClient::ServiceClient(milliseconds deadline)

@@ -4,6 +4,7 @@
 #include <QByteArray>
 #include <QMap>
 #include <QString>
+#include <QVariant>
 
 namespace havrel {
 
@@ -28,4 +29,13 @@ inline constexpr QLatin1StringView kPlainText("text/plain");
 inline constexpr QLatin1StringView kActivationToken("application/x-activation-token");
 
 } // namespace pasteboard
+
+/// As it goes over the bus, a{say}.
+///
+/// Threads: any thread.
+[[nodiscard]] QVariantMap dictionaryOf(const Pasteboard& pasteboard);
+
+/// Threads: any thread.
+[[nodiscard]] Pasteboard pasteboardOf(const QVariantMap& dictionary);
+
 } // namespace havrel

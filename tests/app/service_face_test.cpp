@@ -7,6 +7,7 @@
 #include "platform/bus_connection.h"
 #include "tests/support/awaited.h"
 #include "tests/support/private_bus.h"
+#include "tests/support/recording_logr.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -27,6 +28,7 @@ namespace {
 using platform::BusCall;
 using platform::BusConnection;
 using platform::BusReply;
+using tests::Awaited;
 using tests::PrivateBus;
 
 constexpr std::chrono::seconds kDeadline{60};
@@ -113,6 +115,20 @@ protected:
                                                      .body = {"s", {QString::fromLatin1(service_address::kBusName)}},
                                                      .limit = kDeadline});
         return reply.values.value(0).toBool();
+    }
+
+    /// What the services that the bus starts have written, once it is \p wanted.
+    QByteArray writtenLines(const TemporaryTree& tree, const QByteArray& wanted)
+    {
+        const auto end = std::chrono::steady_clock::now() + kDeadline;
+        QByteArray found;
+        do {
+            (void)m_client.barrier(kDeadline);
+            QFile file(QString::fromStdString(tree.path("lines")));
+            if (file.open(QIODevice::ReadOnly))
+                found = file.readAll();
+        } while (found != wanted && std::chrono::steady_clock::now() < end);
+        return found;
     }
 
     PrivateBus m_bus;
@@ -298,6 +314,65 @@ TEST_F(ServiceFaceOnABus, StaysForRequestsThatCameAtTheLastMoment)
     EXPECT_TRUE(m_face.leave());
 }
 
+TEST_F(ServiceFaceOnABus, SendsAwayAtItsEndThoseWhoCameMeanwhile)
+{
+    Awaited<BusReply> answers;
+    m_face.keepRequests();
+    for (int i = 0; i < 2; ++i)
+        m_client.call(request(service_address::kReveal, m_items),
+                      [&answers](const BusReply& reply) { answers.tell(reply); });
+    ASSERT_EQ(m_client.barrier(kDeadline), 0);
+    drain();
+    EXPECT_EQ(answers.count(), 0U);
+    m_face.end();
+    for (const BusReply& each : answers.first(2))
+        EXPECT_EQ(each.errorName, "org.freedesktop.DBus.Error.ServiceUnknown");
+    EXPECT_EQ(answers.count(), 2U);
+    EXPECT_FALSE(nameIsOwned());
+    drain();
+    EXPECT_TRUE(m_requests.asked.empty());
+}
+
+TEST_F(ServiceFaceOnABus, TellsThoseWhoCameMeanwhileWhatItIsTold)
+{
+    Awaited<BusReply> answer;
+    m_face.keepRequests();
+    m_client.call(desktop("Activate", {"a{sv}", {QVariantMap()}}),
+                  [&answer](const BusReply& reply) { answer.tell(reply); });
+    ASSERT_EQ(m_client.barrier(kDeadline), 0);
+    m_face.end({.error = "com.havrel.Error.Some", .text = QStringLiteral("because")});
+    const auto reply = answer.one();
+    ASSERT_TRUE(reply);
+    EXPECT_EQ(reply->errorName, "com.havrel.Error.Some");
+    EXPECT_EQ(reply->errorText, QStringLiteral("because"));
+}
+
+TEST_F(ServiceFaceOnABus, PassesOnAtItsEndWhatWasAnsweredAndHasNotBegun)
+{
+    const TemporaryTree tree;
+    m_bus.addService(service_address::kBusName, HAVREL_LEAVING_SERVICE " " + tree.path("lines"));
+    const platform::BusBody nothing{"a{sv}", {QVariantMap()}};
+    ASSERT_EQ(m_client.callAndWait(desktop("Activate", nothing)).error, 0); // there is nothing to be passed on
+    for (const QByteArray line : {"first", "second"})
+        ASSERT_EQ(m_client.callAndWait(request(service_address::kReveal, {{QStringLiteral("text/plain"), line}})).error,
+                  0);
+    m_face.end();
+    drain();
+    EXPECT_TRUE(m_requests.asked.empty());
+    EXPECT_EQ(writtenLines(tree, "first\nsecond\n"), "first\nsecond\n");
+}
+
+TEST_F(ServiceFaceOnABus, LogsWhatNobodyTakes)
+{
+    const auto log = std::make_shared<tests::RecordingLogr>();
+    const tests::SharedLoggerScope scope(log);
+    ASSERT_EQ(m_client.callAndWait(request(service_address::kReveal, m_items)).error, 0);
+    m_face.end(); // there is no next one
+    const QStringList lines = log->shortLines(Logr::rootLogLine());
+    ASSERT_EQ(lines.size(), 1);
+    EXPECT_TRUE(lines[0].startsWith(QStringLiteral("Failure A request came too late, and nobody else took it")));
+}
+
 TEST_F(ServiceFaceOnABus, SendsThoseWhoKnowItsUniqueNameElsewhereOnceItHasLeft)
 {
     ASSERT_TRUE(m_face.leave());
@@ -312,6 +387,7 @@ TEST_F(ServiceFaceOnABus, LeavesAlsoWhenTheBusHasGone)
 {
     m_bus.end();
     EXPECT_TRUE(m_face.leave());
+    m_face.end();
 }
 
 TEST_F(ServiceFaceOnABus, TellsItsSupervisorBeforeItLeaves)

@@ -80,15 +80,18 @@ protected:
         QByteArray list;
         for (const QByteArray& each : paths)
             list += JNPath::withCPath(each)->url().toEncoded() + "\r\n";
-        QVariantMap board;
-        board.insert(QString(pasteboard::kUriList), list);
+        m_client.call(requestOf(service, {{pasteboard::kUriList, list}}),
+                      [](const platform::BusReply& reply) { EXPECT_EQ(reply.error, 0); });
+    }
+    static platform::BusCall requestOf(const char* service, const Pasteboard& board)
+    {
         platform::BusCall request{.destination = service_address::kBusName,
                                   .path = service_address::kObjectPath,
                                   .interface = service_address::kInterface,
                                   .member = service};
         request.body.signature = "a{say}";
-        request.body.values.append(QVariant(board));
-        m_client.call(request, [](const platform::BusReply& reply) { EXPECT_EQ(reply.error, 0); });
+        request.body.values.append(QVariant(dictionaryOf(board)));
+        return request;
     }
     /// Opens the preferences of the file, excludes it in the window, and does \p act before anything is written.
     std::function<void()> editedAnd(std::function<void()> act)
@@ -159,6 +162,21 @@ TEST_F(ServiceProgram, WritesWhatIsNotWrittenWhenTheSessionIsSaved)
                   ::raise(SIGTERM);
               })),
               0);
+}
+
+TEST_F(ServiceProgram, LeavesToTheNextOneWhatHasNotBegunAtItsEnd)
+{
+    const TemporaryTree next;
+    m_bus.addService(service_address::kBusName, HAVREL_LEAVING_SERVICE " " + next.path("lines"));
+    EXPECT_EQ(run([this] {
+                  platform::BusCall request = requestOf(service_address::kReveal, {{pasteboard::kPlainText, "line"}});
+                  request.limit = 60s;
+                  EXPECT_EQ(m_client.callAndWait(request).error, 0); // and stands on the main queue
+                  QCoreApplication::exit(0);
+              }),
+              0);
+    EXPECT_TRUE(QTest::qWaitFor([&next] { return std::filesystem::exists(next.path("lines")); }, 60'000));
+    EXPECT_FALSE(isLogged("Unrecognized clipboard contents")); // it was not begun here
 }
 
 TEST_F(ServiceProgram, LogsWhatItCannotWriteAtItsEnd)
