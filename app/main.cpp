@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "app/missing_display.h"
 #include "app/service_options.h"
 #include "app/service_program.h"
 #include "diagnostics/logr.h"
@@ -10,14 +11,14 @@
 #include <QApplication>
 
 #include <cstdio>
+#include <optional>
 
 namespace havrel {
 namespace {
 
 constexpr int kFailed = 1;
 
-/// The toolkit ends the process with a memory dump where it finds no display; where none is even named, there is no
-/// need to try.
+/// Where no display is even named, there is no need to try.
 bool isWithoutDisplay()
 {
     for (const char* each : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
@@ -36,7 +37,9 @@ int told(const ServiceOptions& options)
 int served(int argc, char** argv, const ServiceOptions& options)
 {
     platform::TerminationSignals signals; // before anything makes a thread
+    std::optional<MissingDisplayWatch> watch(std::in_place);
     const WithMainQueueWall<QApplication> application(argc, argv);
+    watch.reset();
     QGuiApplication::setDesktopFileName(QString::fromLatin1(service_address::kBusName));
     return ServiceProgram(options.idleInterval, signals).run();
 }
@@ -51,7 +54,7 @@ int guarded(int argc, char** argv)
             return told(options);
         if (!isWithoutDisplay())
             return served(argc, argv, options);
-        static_cast<void>(std::fputs("havrel-service: there is no display to show windows on\n", stderr));
+        tellOfMissingDisplay();
     } catch (...) {
         endAtMainQueueWall();
     }

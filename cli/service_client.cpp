@@ -38,6 +38,10 @@ QString whyThereIsNoBus(int error)
 
 QString whyItFailed(const platform::BusReply& reply)
 {
+    if (reply.errorName == service_address::kNoDisplay)
+        return QStringLiteral("there is no display to show windows on (use it in a desktop session; when this is one, "
+                              "the session bus does not know it: run dbus-update-activation-environment --systemd "
+                              "DISPLAY XAUTHORITY WAYLAND_DISPLAY)");
     if (reply.errorName == "org.freedesktop.DBus.Error.ServiceUnknown")
         return QStringLiteral("the Havrel service is not installed (the session bus does not know %1)")
             .arg(QLatin1StringView(service_address::kBusName));

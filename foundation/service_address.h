@@ -16,4 +16,7 @@ inline constexpr const char* kReveal = "revealInArchive";
 inline constexpr const char* kCapture = "captureToArchive";
 inline constexpr const char* kPreferences = "setCapturePreferences";
 
+/// What callers are told where the service has no display to show windows on.
+inline constexpr const char* kNoDisplay = "com.havrel.Error.NoDisplay";
+
 } // namespace havrel::service_address

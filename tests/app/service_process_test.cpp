@@ -219,6 +219,35 @@ TEST_F(ServiceProcess, LosesNoneOfTheCallsAroundASignal)
     EXPECT_EQ(errors.countOf("Unrecognized clipboard contents", kCalls), kCalls);
 }
 
+TEST_F(ServiceProcess, TellsCallersThatThereIsNoDisplay)
+{
+    struct Row
+    {
+        const char* platform;
+        const char* display;
+    };
+    const Row rows[] = {
+        {"", ""},                 // none is named
+        {"", ":65000"},           // nobody listens
+        {"xcb", ""},              // none is named, but asked for
+        {"no such platform", ""}, // the toolkit has none
+    };
+    for (const Row& row : rows) {
+        const EnvironmentValue toolkit("QT_QPA_PLATFORM", row.platform);
+        const EnvironmentValue display("DISPLAY", row.display);
+        const EnvironmentValue compositor("WAYLAND_DISPLAY", "");
+        const PrivateBus bus;
+        bus.addService(service_address::kBusName, m_tree.path("havrel-service"));
+        platform::BusConnection client({.address = bus.address()});
+        ASSERT_EQ(client.open(), 0);
+        for (const char* each : {service_address::kCapture, service_address::kPreferences}) {
+            const platform::BusReply reply = answerOf(client, each);
+            EXPECT_EQ(reply.errorName, service_address::kNoDisplay)
+                << row.platform << "/" << row.display << ": " << qPrintable(reply.errorText);
+        }
+    }
+}
+
 TEST_F(ServiceProcess, EndsByASignal)
 {
     const PrivateBus bus;

@@ -260,6 +260,18 @@ TEST_F(ServiceRequestsOfTheTool, TellWhatTheServiceRefuses)
     EXPECT_EQ(m_service.asked.count(), 1U);
 }
 
+TEST_F(ServiceRequestsOfTheTool, TellWhatToDoWithoutADisplay)
+{
+    m_tree.add("item");
+    m_service.answerWith([](BusRequest request) { (void)request.fail(service_address::kNoDisplay, {}); });
+    const RunResult result = run({"captureprefs", "edit", "item"}, settings());
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(
+        result.errors.startsWith("havrel: service: there is no display to show windows on (use it in a desktop"))
+        << result.errors.constData();
+    EXPECT_EQ(m_service.asked.count(), 1U);
+}
+
 TEST_F(ServiceRequestsOfTheTool, TellThatThereIsNoSessionBus)
 {
     m_tree.add("item");
