@@ -4,6 +4,7 @@
 #include "foundation/dispatch.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QThread>
 
 #include <algorithm>
@@ -13,7 +14,7 @@
 namespace havrel {
 namespace {
 
-/// What is to be done when the display goes; empty when nobody watches, or when it has been done.
+/// What is to be done when the display goes; empty when nobody watches, or when it has been done. For the main thread.
 std::function<void()>& watching()
 {
     static std::function<void()> act;
@@ -43,7 +44,7 @@ void hearMessage(QtMsgType type, const QMessageLogContext& context, const QStrin
     if (handlerBefore() != nullptr)
         handlerBefore()(type, context, message);
     const auto begins = [&message](QLatin1StringView each) { return message.startsWith(each); };
-    if (watching() && isOnMainThread() && std::ranges::any_of(kTold, begins))
+    if (isOnMainThread() && watching() && std::ranges::any_of(kTold, begins))
         runAtWall(std::exchange(watching(), nullptr));
 }
 
@@ -52,6 +53,7 @@ void hearMessage(QtMsgType type, const QMessageLogContext& context, const QStrin
 DisplayLossWatch::DisplayLossWatch(std::function<void()> act)
 {
     watching() = std::move(act);
+    QLoggingCategory::defaultCategory()->setEnabled(QtWarningMsg, true); // whatever the logging rules say
     handlerBefore() = qInstallMessageHandler(hearMessage);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/display_loss_watch.h"
 
+#include <QLoggingCategory>
 #include <QtGlobal>
 
 #include <gtest/gtest.h>
@@ -31,6 +32,18 @@ TEST(DisplayLossWatch, HearsTheToolkitTell)
     }
     qWarning("%s", told[0]);
     EXPECT_EQ(acted, 1) << "after its end";
+}
+
+TEST(DisplayLossWatch, HearsWhatLoggingRulesShutOut)
+{
+    QLoggingCategory::setFilterRules(QStringLiteral("*.warning=false"));
+    int acted = 0;
+    {
+        const DisplayLossWatch watch([&acted] { ++acted; });
+        qWarning("The X11 connection broke (error 1). Did the X11 server die?");
+    }
+    QLoggingCategory::setFilterRules({});
+    EXPECT_EQ(acted, 1);
 }
 
 TEST(DisplayLossWatch, LetsNothingOutOfTheToolkit)
