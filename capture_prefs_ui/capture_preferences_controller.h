@@ -68,7 +68,8 @@ public:
     /// \selector setWindowFrameAutosaveName:
     void setWindowFrameAutosaveName(const QString& name);
 
-    /// Takes over what is being typed, and writes what is not yet written: for when the process must go.
+    /// Takes over what is being typed, and writes what is not yet written: for when the process must go. Called in an
+    /// event of a write under way, it writes every item, because that write may never go on.
     /// \return no when something could not be written.
     bool commitEditingAndWrite();
 
@@ -147,6 +148,7 @@ private:
 
     LoadedItems m_loaded;
     bool m_dirty = false;
+    bool m_isWriting = false; // in setModifiedPrefs, perhaps in the events that it handles
     std::unique_ptr<Timer> m_autoWriteTimer;
     std::unique_ptr<Timer> m_statusTimer; // counts the seconds down
     QString m_failure;                    // why the last write did not succeed; empty when it did

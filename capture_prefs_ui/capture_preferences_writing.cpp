@@ -10,6 +10,8 @@
 #include "diagnostics/logr.h"
 #include "fs/path.h"
 
+#include <QScopedValueRollback>
+
 #include <ui_CapturePreferencesWindow.h>
 
 namespace havrel {
@@ -58,6 +60,7 @@ void CapturePreferencesController::autoWriteTime()
 bool CapturePreferencesController::commitEditingAndWrite()
 {
     window().commitEditing();
+    m_dirty = m_dirty || m_isWriting; // a pass that handles events just now may never go on
     return setModifiedPrefs();
 }
 
@@ -74,6 +77,7 @@ bool CapturePreferencesController::setModifiedPrefs()
         return true;
     m_dirty = false;
     m_failure.clear();
+    const QScopedValueRollback isWriting(m_isWriting, true);
     const EditedPatterns edited = editedPatterns(*patternTableController());
     const auto count = static_cast<qsizetype>(m_loaded.paths.size());
     qsizetype written = 0;

@@ -373,6 +373,26 @@ TEST_F(CapturePreferencesWriting, CanBeStoppedAndKeepsWhatIsWritten)
     EXPECT_EQ(stored("last").option, CaptureOption::Exclude);
 }
 
+TEST_F(CapturePreferencesWriting, IsFinishedAtOnceWhenTheProcessMustGoInTheMiddle)
+{
+    m_tree.add("last");
+    ASSERT_TRUE(m_controller.prepareWithItems(urlsOf({"file", "folder", "last"})));
+    click("optionExcludeButton");
+    m_timers.setStep(200ms); // each look at the clock: every item is slow
+    bool isReached = false;
+    QTimer::singleShot(0, [&] {
+        isReached = true;
+        m_timers.setStep(0ms);
+        EXPECT_EQ(stored("last").option, CaptureOption::Normal);
+        EXPECT_TRUE(m_controller.commitEditingAndWrite());
+        for (const char* each : {"file", "folder", "last"})
+            EXPECT_EQ(stored(each).option, CaptureOption::Exclude) << each;
+    });
+    EXPECT_TRUE(m_controller.setModifiedPrefs());
+    EXPECT_TRUE(isReached);
+    EXPECT_FALSE(m_controller.dirty());
+}
+
 TEST_F(CapturePreferencesWriting, KeepsTheFrameOfTheWindowForTheNext)
 {
     qputenv("XDG_STATE_HOME", m_tree.bytes("state"));
