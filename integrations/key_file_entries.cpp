@@ -29,6 +29,7 @@ QList<EntryFile> desktopEntry()
         .set("Keywords", kKeywords)
         .set("Icon", kApplicationId)
         .set("Exec", "havrel-service")
+        .set("StartupWMClass", "havrel-service") // on X11, the toolkit names windows after the program
         .set("Categories", "Utility;Archiving;")
         .set("DBusActivatable", "true")
         .set("StartupNotify", "true")
