@@ -13,6 +13,8 @@
 #include "fs/path.h"
 #include "platform/applications.h"
 
+#include <functional>
+
 namespace havrel {
 namespace {
 

@@ -8,7 +8,6 @@
 #include <QList>
 #include <QUrl>
 
-#include <functional>
 #include <memory>
 
 namespace havrel {

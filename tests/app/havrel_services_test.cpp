@@ -4,6 +4,7 @@
 #include "capture_prefs_ui/capture_preferences_controller.h"
 #include "capture_prefs_ui/capture_preferences_window.h"
 #include "tests/app/service_fixture.h"
+#include "tests/support/mounted_folder.h"
 
 #include <QApplication>
 
@@ -255,6 +256,17 @@ TEST_F(HavrelServices, OpenAWindowForTheSameItemTwice)
 {
     services().setCapturePreferences(listOf({uriOf("file"), uriOf("file")}));
     EXPECT_EQ(windows(true).size(), 1);
+}
+
+TEST_F(HavrelServices, OpenAWindowForItemsOnDifferentFileSystems)
+{
+    m_tree.add("mounted/");
+    const MountedFolder mounted("tmpfs", m_tree.bytes("mounted"), "size=64k");
+    HAVREL_NEEDS_MOUNTED(mounted);
+    m_tree.write("mounted/item", "");
+    services().setCapturePreferences(listOf({uriOf("file"), uriOf("mounted/item")}));
+    ASSERT_EQ(windows(true).size(), 1);
+    EXPECT_EQ(windows(true).first()->windowTitle(), QStringLiteral("Capture Preferences of 2 Items"));
 }
 
 } // namespace

@@ -246,6 +246,19 @@ TEST_F(ServiceApplicationDelegate, KeepsEveryControllerWithALoadedWindow)
     EXPECT_FALSE(first.expired());
 }
 
+TEST_F(ServiceApplicationDelegate, KeepsOneFrameForAllWindowsUnderItsName)
+{
+    const auto first = m_delegate->makeCapturePreferencesController();
+    first->showWindow();
+    first->window().resize(701, 703);
+    first->window().close();
+    EXPECT_EQ(m_delegate->makeCapturePreferencesController()->window().size(), QSize(701, 703));
+    const auto named = std::make_shared<CapturePreferencesController>(
+        m_alerts, [] {}, m_timers);
+    named->setWindowFrameAutosaveName(QStringLiteral("CapturePreferences"));
+    EXPECT_EQ(named->window().size(), QSize(701, 703));
+}
+
 TEST_F(ServiceApplicationDelegate, WritesTheChangesOfEveryWindow)
 {
     exclude(*openedFor("file"));
