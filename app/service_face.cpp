@@ -22,8 +22,8 @@ using platform::BusRegistration;
 using platform::BusRequest;
 
 constexpr std::chrono::seconds kFlushLimit{2};
-/// Enough for the next one to start; a supervisor that waits for our end before it starts it must not wait long.
-constexpr std::chrono::seconds kPassingOnLimit{2};
+/// Enough for the next one to start on a slow computer; a supervisor that starts it only after our end waits in vain.
+constexpr std::chrono::seconds kPassingOnLimit{10};
 
 struct Service
 {

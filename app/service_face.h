@@ -53,7 +53,7 @@ public:
     void keepRequests();
     /// Gives the name up for good. Requests that were answered and have not begun are passed on to the next process,
     /// which the bus starts; callers that wait for their answer are sent away with \p refusal. Waits for the bus and
-    /// for the next process, a few seconds at most unless the bus itself stands still; does not run the event loop.
+    /// for the next process, at most ten seconds unless the bus itself stands still; does not run the event loop.
     void end(const Refusal& refusal);
     void end() { end(Refusal()); }
 
