@@ -47,7 +47,8 @@ ItemResources itemResources(const JNPath& path)
     const bool isDirectory = type == platform::ItemType::Directory;
     return {.isDirectory = isDirectory,
             .isPackage = isDirectory && isPackageName(path.name()),
-            .isWritable = platform::checkWritable(bytes) == 0};
+            .isWritable = platform::checkAttributesWritable(bytes) == 0,
+            .canCarryAttributes = isDirectory || type == platform::ItemType::RegularFile};
 }
 
 } // namespace havrel

@@ -11,8 +11,9 @@ class JNPath;
 struct ItemResources
 {
     bool isDirectory = false;
-    bool isPackage = false; ///< a folder that people handle as one thing, like a file
-    bool isWritable = false;
+    bool isPackage = false;          ///< a folder that people handle as one thing, like a file
+    bool isWritable = false;         ///< with its attributes
+    bool canCarryAttributes = false; ///< a file or a folder: the kernel keeps attributes of users from all else
 
     /// A folder whose contents are items of their own.
     [[nodiscard]] bool isContainer() const noexcept { return isDirectory && !isPackage; }

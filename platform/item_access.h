@@ -14,4 +14,12 @@ namespace havrel::platform {
 /// Threads: any thread.
 [[nodiscard]] int checkWritable(const QByteArray& path);
 
+/// Whether it may also change the item's attributes: for a folder with the sticky bit, that is for its owner and root.
+///
+/// \return as checkWritable; EPERM for another's sticky folder.
+/// \source xattr(7), "Extended user attributes"
+///
+/// Threads: any thread.
+[[nodiscard]] int checkAttributesWritable(const QByteArray& path);
+
 } // namespace havrel::platform
