@@ -12,6 +12,11 @@ AlikePatterns::AlikePatterns(const PatternFilterDefs& definitions)
 {
 }
 
+bool AlikePatterns::contains(const PatternFilterDefPtr& definition) const
+{
+    return m_definitions.count(definition) != 0;
+}
+
 bool AlikePatterns::insert(const PatternFilterDefPtr& definition)
 {
     return m_definitions.insert(definition).second;
@@ -26,7 +31,7 @@ std::size_t AlikePatterns::Hash::operator()(const PatternFilterDefPtr& definitio
 
 bool AlikePatterns::Equal::operator()(const PatternFilterDefPtr& left, const PatternFilterDefPtr& right) const
 {
-    return left->isEqual(*right);
+    return left == right || left->isEqual(*right);
 }
 
 bool areEqualPatterns(const PatternFilterDefs& left, const PatternFilterDefs& right)

@@ -13,8 +13,10 @@ namespace havrel {
 class AlikePatterns
 {
 public:
+    AlikePatterns() = default;
     explicit AlikePatterns(const PatternFilterDefs& definitions);
 
+    [[nodiscard]] bool contains(const PatternFilterDefPtr& definition) const;
     /// Puts \p definition in. \return false when an equal one is in already.
     bool insert(const PatternFilterDefPtr& definition);
 

@@ -1,22 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "capture_prefs_ui/common_patterns.h"
 
-#include "filters/pattern_filter_def.h"
-
 #include <utility>
 
 namespace havrel {
-
-std::size_t PatternSet::Hash::operator()(const PatternFilterDefPtr& pattern) const
-{
-    // Equal definitions hash alike when both are compiled; one that cannot be compiled has no components either.
-    return pattern->compile() ? pattern->hash() : 0;
-}
-
-bool PatternSet::Equality::operator()(const PatternFilterDefPtr& one, const PatternFilterDefPtr& other) const
-{
-    return one == other || one->isEqual(*other);
-}
 
 PatternSet::PatternSet(const PatternFilterDefs& patterns)
 {
@@ -26,7 +13,7 @@ PatternSet::PatternSet(const PatternFilterDefs& patterns)
 
 void PatternSet::add(const PatternFilterDefPtr& pattern)
 {
-    if (m_members.insert(pattern).second)
+    if (m_members.insert(pattern))
         m_inOrder.append(pattern);
 }
 

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "capture_prefs_ui/alike_patterns.h"
 #include "filters/pattern_filter_defs.h"
-
-#include <cstddef>
-#include <unordered_set>
 
 namespace havrel {
 
@@ -19,7 +17,7 @@ public:
 
     /// Nothing when an equal one is there.
     void add(const PatternFilterDefPtr& pattern);
-    [[nodiscard]] bool contains(const PatternFilterDefPtr& pattern) const { return m_members.count(pattern) != 0; }
+    [[nodiscard]] bool contains(const PatternFilterDefPtr& pattern) const { return m_members.contains(pattern); }
     [[nodiscard]] const PatternFilterDefs& inOrder() const noexcept { return m_inOrder; }
     /// Whether both have equal members, whatever the order.
     [[nodiscard]] bool isEqual(const PatternSet& other) const;
@@ -29,17 +27,8 @@ public:
     [[nodiscard]] PatternSet without(const PatternSet& other) const;
 
 private:
-    struct Hash
-    {
-        std::size_t operator()(const PatternFilterDefPtr& pattern) const;
-    };
-    struct Equality
-    {
-        bool operator()(const PatternFilterDefPtr& one, const PatternFilterDefPtr& other) const;
-    };
-
     PatternFilterDefs m_inOrder;
-    std::unordered_set<PatternFilterDefPtr, Hash, Equality> m_members;
+    AlikePatterns m_members;
 };
 
 /// What the folders of a selection have in common, gathered folder by folder.
