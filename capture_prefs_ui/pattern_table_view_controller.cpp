@@ -4,9 +4,12 @@
 #include "capture_prefs_ui/alike_patterns.h"
 #include "capture_prefs_ui/pattern_list_command.h"
 #include "capture_prefs_ui/pattern_problem_popover.h"
+#include "capture_prefs_ui/pattern_table_cell_view.h"
+#include "capture_prefs_ui/pattern_value_command.h"
 #include "capture_prefs_ui/segmented_control.h"
 #include "capture_prefs_ui/table_view.h"
 #include "filters/pattern_filter_def.h"
+#include "foundation/notification_center.h"
 #include "foundation/observing.h"
 
 #include <QAbstractButton>
@@ -36,6 +39,10 @@ PatternTableViewController::PatternTableViewController(TableView& table, QObject
                     [this](QObject*, QObject*, const QVariant& before, const QVariant&) {
                         filterDefsChanged(before.value<PatternFilterDefs>());
                     });
+    observeNotification(*this,
+                        QString(kPatternTableCellValueChanged),
+                        table,
+                        [this](QObject*, const Notification& change) { cellValueChanged(change.userInfo); });
     connect(&table, &TableView::metricsChanged, this, [this] { measureRows(); });
 }
 
@@ -107,6 +114,29 @@ void PatternTableViewController::takeStep(PatternListCommand& step, const Patter
 void PatternTableViewController::undoItems(const PatternFilterDefs& definitions)
 {
     setFilterDefs(definitions);
+}
+
+void PatternTableViewController::cellValueChanged(const QVariantMap& change)
+{
+    const auto definition = change[QStringLiteral("obj")].value<PatternFilterDefPtr>();
+    const qsizetype row = m_filterDefs.indexOf(definition);
+    if (m_setsValue || row < 0)
+        return;
+    const QString property = change[QStringLiteral("path")].toString();
+    const QVariant after = definition->property(property.toLatin1().constData());
+    QVariant before = change[QStringLiteral("old")];
+    if (before.metaType() != after.metaType())
+        before = QVariant(after.metaType()); // an absent text
+    m_undoManager.push(new PatternValueCommand(*this, {row, property, before, after}));
+}
+
+void PatternTableViewController::setValueInRow(qsizetype row, const QString& property, const QVariant& value)
+{
+    if (row >= m_filterDefs.size())
+        return;
+    const QScopedValueRollback setting(m_setsValue, true);
+    tableView().scrollRowToVisible(row); // only rows in sight tell of changes
+    m_filterDefs[row]->setProperty(property.toLatin1().constData(), value);
 }
 
 bool PatternTableViewController::enabled() const

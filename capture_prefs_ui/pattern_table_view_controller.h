@@ -19,7 +19,8 @@ class PatternListCommand;
 /// The list is replaced only as a whole; every replacement by another list tells the observers of "filterDefs" once and
 /// is one step that the user can take back. The owner sets the list, observes it, and reads it again: the table works
 /// on copies. Definitions that the user edits in their rows change in place, which PatternTableCellValueChanged tells
-/// (pattern_table_cell_view.h). Loading a window is a step, too: taking it back empties the list.
+/// (pattern_table_cell_view.h); that is a step of its own. Loading a window is a step, too: taking it back empties the
+/// list.
 ///
 /// Threads: the main thread only.
 class PatternTableViewController : public ResizingTableViewController
@@ -78,6 +79,8 @@ public:
     void undoItems(const PatternFilterDefs& definitions);
     /// Has \p step take the place of what setting \p definitions would put on the undo stack.
     void takeStep(PatternListCommand& step, const PatternFilterDefs& definitions);
+    /// Brings the row in sight and sets a property of its definition, as a step back or forth does.
+    void setValueInRow(qsizetype row, const QString& property, const QVariant& value);
 
     void viewDidLoad() override;
     [[nodiscard]] qsizetype numberOfRowsInTableView(const TableView& table) const override;
@@ -98,6 +101,7 @@ private:
     [[nodiscard]] qsizetype rowOfEqual(const PatternFilterDef& definition) const;
     void filterDefsChanged(const PatternFilterDefs& before);
     void registerUndo(const PatternFilterDefs& before);
+    void cellValueChanged(const QVariantMap& change);
     void editRow(qsizetype row);
     void measureRows();
 
@@ -106,6 +110,7 @@ private:
     QPointer<PatternProblemPopover> m_popover;
     QUndoStack m_undoManager;
     PatternListCommand* m_step = nullptr; // that is being taken
+    bool m_setsValue = false;             // a step is being taken in a row
     bool m_repositoryPatterns = false;
 };
 

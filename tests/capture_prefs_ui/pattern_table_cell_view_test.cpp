@@ -204,6 +204,71 @@ TEST_F(PatternTableRow, SetsTheDepthByItsSwitch)
     EXPECT_EQ(posted[0].userInfo[QStringLiteral("path")], QStringLiteral("propagateIndefinitely"));
 }
 
+TEST_F(PatternTableRow, CanBeTakenBackAndRepeatedAfterItsEditing)
+{
+    showPatterns({"a//b*", "c//d*"});
+    QUndoStack& steps = controller().undoManager();
+    type(row(0)->textField(), "x");
+    type(row(1)->pathField(), "");
+    row(1)->propogateButton()->click();
+    EXPECT_EQ(steps.undoText(), QStringLiteral("Change Pattern"));
+    posted.clear();
+    EXPECT_EQ(lines(), (QStringList{QStringLiteral("a//x"), QStringLiteral("//d*/+:glob")}));
+    steps.undo();
+    EXPECT_EQ(lines().last(), QStringLiteral("//d*"));
+    EXPECT_FALSE(row(1)->propogateButton()->isChecked());
+    steps.undo();
+    steps.undo();
+    EXPECT_EQ(lines(), (QStringList{QStringLiteral("a//b*"), QStringLiteral("c//d*")}));
+    EXPECT_EQ(row(0)->textField()->text(), QStringLiteral("b*"));
+    EXPECT_EQ(posted.size(), 3) << "the window has to hear of it";
+    for (int i = 0; i < 3; ++i)
+        steps.redo();
+    EXPECT_EQ(lines(), (QStringList{QStringLiteral("a//x"), QStringLiteral("//d*/+:glob")}));
+}
+
+TEST_F(PatternTableRow, LeavesAnAbsentTextAbsentWhenItIsTakenBack)
+{
+    show();
+    controller().addGlobPattern(nullptr);
+    runMainQueue();
+    type(row(0)->textField(), "x");
+    controller().undoManager().undo();
+    EXPECT_TRUE(definition(0).singlePattern().isNull());
+    controller().addGlobPattern(nullptr);
+    EXPECT_EQ(controller().filterDefs().size(), 1) << "it is an empty glob again";
+}
+
+TEST_F(PatternTableRow, TakesEditsBackInRowsThatWereRemovedAndCameBack)
+{
+    showPatterns({"a//b*", "c//d*"});
+    QUndoStack& steps = controller().undoManager();
+    type(row(1)->textField(), "x");
+    controller().removePatterns({1});
+    steps.undo();
+    runMainQueue();
+    EXPECT_EQ(lines().last(), QStringLiteral("c//x"));
+    steps.undo();
+    EXPECT_EQ(lines(), (QStringList{QStringLiteral("a//b*"), QStringLiteral("c//d*")}));
+    steps.redo();
+    steps.redo();
+    EXPECT_EQ(lines(), (QStringList{QStringLiteral("a//b*")}));
+}
+
+TEST_F(PatternTableRow, TakesEditsBackInRowsOutOfSight)
+{
+    showPatterns({"a//b*"});
+    controller().addPatterns(numberedPatterns(50));
+    runMainQueue();
+    type(row(0)->textField(), "x");
+    table().scrollRowToVisible(50);
+    runMainQueue();
+    posted.clear();
+    controller().undoManager().undo();
+    EXPECT_EQ(lines().first(), QStringLiteral("a//b*"));
+    EXPECT_EQ(posted.size(), 1);
+}
+
 TEST_F(PatternTableRow, PostsEachChangeWithTheValueBefore)
 {
     showPatterns({"a//b*"});
