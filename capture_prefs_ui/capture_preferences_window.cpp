@@ -136,7 +136,8 @@ void CapturePreferencesWindow::emphasizeName()
 
 void CapturePreferencesWindow::alignTexts()
 {
-    for (QLabel* each : {m_ui->itemNameField, m_ui->itemPlaceField, m_ui->patternsTitleField})
+    for (QLabel* each :
+         std::initializer_list<QLabel*>{m_ui->itemNameField, m_ui->itemPlaceField, m_ui->patternsTitleField})
         alignAtLeadingEdge(*each);
 }
 
