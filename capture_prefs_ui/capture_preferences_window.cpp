@@ -186,7 +186,7 @@ void CapturePreferencesWindow::showScraping(const CapturePreferencesViewState& s
     m_ui->scrapeImmediatelyButton->setState(state.scrapeImmediately);
     m_ui->scrapeAfterButton->setEnabled(state.isScraping);
     m_ui->scrapeAfterButton->setState(state.scrapeAfter);
-    m_ui->scrapeAfterLabel->setEnabled(state.scraping.isEnabled);
+    m_ui->scrapeAfterLabel->setEnabled(state.isScraping); // it is the button's, and its letter
     showDuration(state.scraping, *m_ui->scrapeDurationField, *m_ui->scrapeScaleMenu);
 }
 

@@ -74,6 +74,18 @@ TEST_F(KeyboardOnly, ChoosesOptionsByTheirLetters)
     EXPECT_TRUE(QTest::qWaitFor([this] { return !m_controller.dirty(); })) << "Save Now";
 }
 
+TEST_F(KeyboardOnly, ChoosesADelayByItsLetter)
+{
+    press(Qt::Key_S, Qt::AltModifier);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return control<QWidget>("scrapeAfterButton").isEnabled(); }));
+    press(Qt::Key_P, Qt::AltModifier);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !control<QWidget>("scrapeDurationField").isEnabled(); }));
+    press(Qt::Key_C, Qt::AltModifier);
+    ASSERT_EQ(focused(), "scrapeAfterButton");
+    press(Qt::Key_Space);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return control<QWidget>("scrapeDurationField").isEnabled(); }));
+}
+
 TEST_F(KeyboardOnly, TypesADurationAndWritesItAtEscape)
 {
     press(Qt::Key_I, Qt::AltModifier);
