@@ -2,6 +2,7 @@
 #include "app/missing_display.h"
 #include "app/service_options.h"
 #include "app/service_program.h"
+#include "capture_prefs_ui/visible_indicators.h"
 #include "diagnostics/logr.h"
 #include "foundation/main_queue_wall.h"
 #include "foundation/process.h"
@@ -40,6 +41,7 @@ int served(int argc, char** argv, const ServiceOptions& options)
     std::optional<MissingDisplayWatch> watch(std::in_place);
     const WithMainQueueWall<QApplication> application(argc, argv);
     watch.reset();
+    VisibleIndicators::install();
     QGuiApplication::setDesktopFileName(QString::fromLatin1(service_address::kBusName));
     return ServiceProgram(options.idleInterval, signals).run();
 }

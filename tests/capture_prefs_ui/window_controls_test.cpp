@@ -3,11 +3,15 @@
 #include "capture_prefs_ui/duration_field.h"
 #include "capture_prefs_ui/mixed_check_box.h"
 #include "capture_prefs_ui/mixed_radio_button.h"
+#include "capture_prefs_ui/shortened_label.h"
+#include "capture_prefs_ui/visible_indicators.h"
 
 #include <QAccessible>
 #include <QButtonGroup>
 #include <QComboBox>
+#include <QPainter>
 #include <QSignalSpy>
+#include <QStyleOption>
 #include <QTest>
 #include <QWheelEvent>
 
@@ -154,6 +158,67 @@ TEST(DurationField, StepsFromNothingAndStopsAtZero)
     QTest::keyClick(&field, Qt::Key_Down);
     EXPECT_EQ(field.value(), 0);
     EXPECT_EQ(edits.count(), 2);
+}
+
+TEST(ShortenedLabel, GetsByWithAnyWidth)
+{
+    ShortenedLabel label;
+    const QString name = QString(255, u'n');
+    label.setText(name);
+    EXPECT_EQ(label.minimumSizeHint().width(), 0);
+    EXPECT_LT(label.sizeHint().width(), 1000);
+    label.resize(100, 20);
+    EXPECT_EQ(label.text(), name);
+    EXPECT_LT(label.fontMetrics().horizontalAdvance(label.shownText()), 101);
+    EXPECT_TRUE(label.shownText().startsWith(u'n') && label.shownText().endsWith(u'n'))
+        << label.shownText().toStdString();
+    label.setElideMode(Qt::ElideRight);
+    EXPECT_TRUE(label.shownText().endsWith(QChar(0x2026))) << label.shownText().toStdString();
+}
+
+TEST(ShortenedLabel, IsOneLineHighWhateverItSays)
+{
+    ShortenedLabel label;
+    label.setText(QStringLiteral("short"));
+    const QSize size = label.sizeHint();
+    label.resize(size);
+    EXPECT_EQ(label.shownText(), QStringLiteral("short"));
+    label.setText(QStringLiteral("a\nb\nc"));
+    EXPECT_EQ(label.sizeHint().height(), size.height());
+}
+
+/// How far the colours of a picture go apart.
+int rangeOfBrightness(const QImage& picture)
+{
+    int least = 255;
+    int most = 0;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x) {
+            const int brightness = qGray(picture.pixel(x, y));
+            least = std::min(least, brightness);
+            most = std::max(most, brightness);
+        }
+    return most - least;
+}
+
+TEST(VisibleIndicators, GiveEmptyBoxesAnEdgeOnDarkWindows)
+{
+    QPalette dark;
+    dark.setColor(QPalette::Window, QColor(0x35, 0x35, 0x35));
+    dark.setColor(QPalette::Base, QColor(0x2d, 0x2d, 0x2d));
+    dark.setColor(QPalette::WindowText, Qt::white);
+    VisibleIndicators style;
+    for (const auto element : {QStyle::PE_IndicatorCheckBox, QStyle::PE_IndicatorRadioButton}) {
+        QStyleOptionButton option;
+        option.rect = QRect(2, 2, 13, 13);
+        option.state = QStyle::State_Enabled | QStyle::State_Off;
+        option.palette = dark;
+        QImage picture(17, 17, QImage::Format_RGB32);
+        picture.fill(dark.color(QPalette::Window));
+        QPainter painter(&picture);
+        style.drawPrimitive(element, &option, &painter, nullptr);
+        EXPECT_GT(rangeOfBrightness(picture), 60) << element;
+    }
 }
 
 TEST(CalmWheel, LeavesAControlAloneThatHasNotTheFocus)

@@ -9,6 +9,7 @@
 #include "capture_prefs_ui/pattern_table_simple_cell_view.h"
 #include "capture_prefs_ui/resizing_pattern_text_field.h"
 #include "capture_prefs_ui/table_view.h"
+#include "capture_prefs_ui/visible_indicators.h"
 #include "filters/pattern_filter_def.h"
 #include "fs/path.h"
 #include "tests/support/fake_timers.h"
@@ -233,6 +234,7 @@ int main(int argc, char** argv)
     const QCommandLineOption dark(QStringLiteral("dark"), QStringLiteral("a dark palette"));
     const QCommandLineOption mirrored(QStringLiteral("rtl"), QStringLiteral("right to left"));
     const QCommandLineOption font(QStringLiteral("font"), QStringLiteral("size of texts"), QStringLiteral("points"));
+    havrel::VisibleIndicators::install(); // as the service does
     const QCommandLineOption language(
         QStringLiteral("language"), QStringLiteral("of the texts"), QStringLiteral("code"));
     options.addOptions({dark, mirrored, font, language});
