@@ -10,6 +10,8 @@
 #include "filters/capture_preferences_attribute.h"
 #include "foundation/error.h"
 #include "foundation/property_list.h"
+#include "fs/item_resources.h"
+#include "fs/path.h"
 
 #include <algorithm>
 #include <array>
@@ -65,7 +67,9 @@ constexpr const char* kFooter =
     "--for none and --between none take that condition away.\n"
     "\n"
     "Invalid patterns, and files of patterns that cannot be read, are refused before anything is written.\n"
-    "Links are never followed, and cannot carry preferences.\n"
+    "Links are never followed, and cannot carry preferences. Only folders have contents to exclude or scrape; a "
+    "folder\n"
+    "that people handle as one thing, such as Tool.app, counts as a file.\n"
     "--force writes records of more than 1024 bytes, which no reader takes, and replaces records that cannot be read.\n"
     "\n"
     "Examples:\n"
@@ -165,6 +169,19 @@ QString refusalToDetail(const PreferencesChanges& changes, const QVariantMap& ol
     return QStringLiteral("it is treated in a way that this program does not know; name the way that is to hold, too");
 }
 
+/// Why the item cannot be treated so; null when it can. The window offers no treatment of contents for it either.
+QString refusalOfContents(const PreferencesChanges& changes, const QByteArray& path)
+{
+    const bool isAboutContents =
+        changes.option == CaptureOption::ExcludeContents || changes.option == CaptureOption::ScrapeContents;
+    if (!isAboutContents)
+        return {};
+    const ItemResources resources = itemResources(*JNPath::withCPath(path));
+    if (resources.isContainer() || !resources.canCarryAttributes) // what cannot carry any is told so when it is written
+        return {};
+    return QStringLiteral("only folders have contents to treat; --exclude and --scrape are for the item itself");
+}
+
 QString unreadableText(const attribute::Reading& reading, const QByteArray& path)
 {
     if (reading.state == attribute::State::Unreadable)
@@ -201,6 +218,8 @@ QString set(const QByteArray& path, const PreferencesChanges& changes, bool forc
     if (!isKnown && !(force && isReplaceable(reading)))
         return unreadableText(reading, path);
     if (QString refusal = refusalToDetail(changes, reading.dictionary); !refusal.isNull())
+        return refusal;
+    if (QString refusal = refusalOfContents(changes, path); !refusal.isNull())
         return refusal;
     FileCapturePreferences preferences(reading.dictionary);
     if (QString refusal = changes.applyTo(preferences); !refusal.isNull())

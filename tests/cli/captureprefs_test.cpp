@@ -69,24 +69,42 @@ TEST_F(Captureprefs, StoresWhatPythonReadsFromTheAttribute)
                "exclude contents, excluding Users/work//*.tmp"},
     };
     for (const SetRow& row : rows) {
-        clear("file");
-        set(row.options, "file");
-        EXPECT_EQ(storedAsPythonReadsIt("file"), row.stored);
-        EXPECT_EQ(wordsOf("file"), row.words);
+        clear("folder");
+        set(row.options, "folder");
+        EXPECT_EQ(storedAsPythonReadsIt("folder"), row.stored);
+        EXPECT_EQ(wordsOf("folder"), row.words);
     }
 }
 
 TEST_F(Captureprefs, KeepsWhatIsNotNamed)
 {
-    set({"--exclude-contents", "--all-archives", "--pattern", "//a"}, "file");
-    set({"--add-pattern", "//b", "--add-pattern", "//a"}, "file");
-    EXPECT_EQ(wordsOf("file"), "exclude contents from all captures, excluding //a, //b");
-    set({"--remove-pattern", "//a/0"}, "file");
-    EXPECT_EQ(wordsOf("file"), "exclude contents from all captures, excluding //b");
-    set({"--exclude", "--no-all-archives"}, "file");
-    EXPECT_EQ(wordsOf("file"), "excluded, excluding //b");
-    set({"--no-patterns"}, "file");
-    EXPECT_EQ(wordsOf("file"), "excluded");
+    set({"--exclude-contents", "--all-archives", "--pattern", "//a"}, "folder");
+    set({"--add-pattern", "//b", "--add-pattern", "//a"}, "folder");
+    EXPECT_EQ(wordsOf("folder"), "exclude contents from all captures, excluding //a, //b");
+    set({"--remove-pattern", "//a/0"}, "folder");
+    EXPECT_EQ(wordsOf("folder"), "exclude contents from all captures, excluding //b");
+    set({"--exclude", "--no-all-archives"}, "folder");
+    EXPECT_EQ(wordsOf("folder"), "excluded, excluding //b");
+    set({"--no-patterns"}, "folder");
+    EXPECT_EQ(wordsOf("folder"), "excluded");
+}
+
+TEST_F(Captureprefs, TreatsTheContentsOfFoldersOnly)
+{
+    m_tree.add("Tool.app/");
+    for (const char* option : {"--exclude-contents", "--scrape-contents"}) {
+        for (const char* item : {"file", "Tool.app"}) {
+            const RunResult result = run({"captureprefs", "set", option, item}, m_here);
+            EXPECT_EQ(result.status, 1);
+            EXPECT_EQ(result.errors,
+                      "havrel: " + QByteArray(item) +
+                          ": only folders have contents to treat; --exclude and --scrape are for the item itself\n");
+            EXPECT_EQ(attributeOf(item).error, ENODATA);
+        }
+        EXPECT_EQ(run({"captureprefs", "set", option, "folder"}, m_here).status, 0);
+    }
+    m_tree.addLink("link", "folder");
+    EXPECT_TRUE(run({"captureprefs", "set", "--exclude-contents", "link"}, m_here).errors.contains("symbolic link"));
 }
 
 TEST_F(Captureprefs, TakesTheAttributeAwayWhenNothingIsLeftToSay)
