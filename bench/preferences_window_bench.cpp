@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The preferences window with ten thousand items: until it is filled, until a change shows, and the write pass against
-// the bare attribute calls.
+// The preferences window with ten thousand items, once files and once folders of which each has patterns of its own:
+// until it is filled, until a change shows, and the write pass against the bare attribute calls.
 #include "capture_prefs_ui/alert.h"
 #include "capture_prefs_ui/capture_preferences_controller.h"
 #include "capture_prefs_ui/capture_preferences_window.h"
 #include "filters/capture_preferences_attribute.h"
+#include "filters/pattern_filter_def.h"
 #include "fs/path.h"
 #include "tests/support/temporary_tree.h"
 
@@ -108,7 +109,7 @@ struct Items
     }
 };
 
-void measure(const Items& items)
+void measure(const char* what, const Items& items)
 {
     NoAlerts alerts;
     CapturePreferencesController controller(alerts, [] {});
@@ -118,17 +119,39 @@ void measure(const Items& items)
         controller.showWindow();
         QApplication::processEvents();
     });
-    std::printf("%d items: window %.0f ms\n", kItems, shown);
+    std::printf("%d %s: window %.0f ms\n", kItems, what, shown);
     measureWriting(controller, items.paths);
 }
 
-Items makeItems(const TemporaryTree& tree)
+Items makeFiles(const TemporaryTree& tree)
 {
     Items items;
     for (int i = 0; i < kItems; ++i) {
         const std::string name = "item" + std::to_string(i);
         tree.add(name);
         items.append(JNPath::withCPath(tree.bytes(name)));
+    }
+    return items;
+}
+
+/// One pattern is common to all, three are the folder's own.
+Items makeFolders(const TemporaryTree& tree)
+{
+    Items items;
+    for (int i = 0; i < kItems; ++i) {
+        const std::string name = "folder" + std::to_string(i);
+        tree.add(name + "/");
+        const JNPathPtr path = JNPath::withCPath(tree.bytes(name));
+        const QString own = QString::number(i);
+        FileCapturePreferences preferences;
+        preferences.setExcludeFilterDefs(
+            PatternFilterDef::filterDefsFromStrings({QStringLiteral("//*.tmp"),
+                                                     QStringLiteral("Library//%1*/+").arg(own),
+                                                     QStringLiteral("//^x%1[0-9]+$/:re").arg(own),
+                                                     QStringLiteral("//%1.log").arg(own)},
+                                                    PatternFilterDef::itemEnvironment()));
+        preferences.setPreferencesAtPath(*path);
+        items.append(path);
     }
     return items;
 }
@@ -142,6 +165,7 @@ int main(int argc, char** argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
     const havrel::TemporaryTree tree;
-    havrel::measure(havrel::makeItems(tree));
+    havrel::measure("files", havrel::makeFiles(tree));
+    havrel::measure("folders with patterns of their own", havrel::makeFolders(tree));
     return 0;
 }
