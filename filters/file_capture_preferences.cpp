@@ -157,7 +157,13 @@ void FileCapturePreferences::readScraping(const QVariantMap& properties)
 
 std::optional<FileCapturePreferences> FileCapturePreferences::capturePreferencesForPath(const JNPath& path)
 {
-    const attribute::Reading reading = attribute::readingOf(attribute::valueFrom(path.cPath()));
+    return capturePreferencesOf(attribute::valueFrom(path.cPath()), path);
+}
+
+std::optional<FileCapturePreferences>
+FileCapturePreferences::capturePreferencesOf(const platform::AttributeValue& value, const JNPath& path)
+{
+    const attribute::Reading reading = attribute::readingOf(value);
     if (reading.state == attribute::State::Malformed) {
         Logr::log(LogClassification::Debug,
                   QStringLiteral("%1 malformed %2 attribute in %3: %4")
@@ -173,7 +179,7 @@ std::optional<FileCapturePreferences> FileCapturePreferences::capturePreferences
 
 namespace {
 
-void writeRecord(const JNPath& path, const QVariantMap& properties)
+QByteArray writeRecord(const JNPath& path, const QVariantMap& properties)
 {
     const QString reason = QStringLiteral("Cannot set capture preferences");
     const PropertyListWriting record = binaryPropertyList(properties);
@@ -183,6 +189,7 @@ void writeRecord(const JNPath& path, const QVariantMap& properties)
     if (error != 0)
         HVException::ioErrno(error, reason).setPathObject(path).raise();
     attribute::warnOfLostRecord(path.cPath(), record.bytes.size());
+    return record.bytes;
 }
 
 void removeRecord(const JNPath& path)
@@ -197,13 +204,13 @@ void removeRecord(const JNPath& path)
 
 } // namespace
 
-void FileCapturePreferences::setPreferencesAtPath(const JNPath& path) const
+QByteArray FileCapturePreferences::setPreferencesAtPath(const JNPath& path) const
 {
     const QVariantMap stored = properties();
-    if (stored.isEmpty())
-        removeRecord(path);
-    else
-        writeRecord(path, stored);
+    if (!stored.isEmpty())
+        return writeRecord(path, stored);
+    removeRecord(path);
+    return {};
 }
 
 QVariantMap FileCapturePreferences::properties() const

@@ -14,6 +14,10 @@ namespace havrel {
 
 class JNPath;
 
+namespace platform {
+struct AttributeValue;
+} // namespace platform
+
 /// How the capture engine treats an item. The numbers are what windows and dictionaries work with; every 32-bit number
 /// is a valid value, those from 6 on mean "invalid".
 enum class CaptureOption : quint32 {
@@ -58,6 +62,9 @@ public:
     ///
     /// \selector capturePreferencesForPath:
     [[nodiscard]] static std::optional<FileCapturePreferences> capturePreferencesForPath(const JNPath& path);
+    /// The same of an attribute's value that was read from \p path already.
+    [[nodiscard]] static std::optional<FileCapturePreferences>
+    capturePreferencesOf(const platform::AttributeValue& value, const JNPath& path);
 
     /// Writes the item's attribute, or removes it (unless it is missing or empty) when there is nothing to store. A
     /// link is not followed, and cannot carry preferences. Blocks on the disk.
@@ -65,9 +72,10 @@ public:
     /// A record of more than 1024 bytes, which nobody can read back, is written all the same and logged as Caution.
     ///
     /// \selector setPreferencesAtPath:
+    /// \return the record that the item has now; empty when it has none.
     /// \throws HVException "IO" with errno and path: "Cannot set capture preferences" or "Cannot clear capture
     ///         preferences". The attribute is then as it was.
-    void setPreferencesAtPath(const JNPath& path) const;
+    QByteArray setPreferencesAtPath(const JNPath& path) const;
 
     /// The exclusion patterns; none until set or read. Those that were read are made when they are first asked for,
     /// because most records are only read and described. \selector excludeFilterDefs
