@@ -42,6 +42,8 @@ void CapturePreferencesController::connectControls()
     connectScraping();
     connect(ui.helpButton, &QAbstractButton::clicked, this, &CapturePreferencesController::openHelp);
     connect(ui.statusLine, &StatusLine::saveNow, this, [this] { runAtWall([this] { saveNow(); }); });
+    connect(ui.statusLine, &StatusLine::reload, this, [this] { runAtWall([this] { reload(); }); });
+    connect(m_window.get(), &CapturePreferencesWindow::activated, this, [this] { lookForForeignChanges(); });
     connect(
         m_window.get(), &CapturePreferencesWindow::closing, this, [this] { runAtWall([this] { windowWillClose(); }); });
 }

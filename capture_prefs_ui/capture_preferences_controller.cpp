@@ -28,6 +28,7 @@ CapturePreferencesController::CapturePreferencesController(AlertPresenter& alert
     , m_timers(timers)
     , m_autoWriteTimer(timers.makeTimer([this] { runAtWall([this] { autoWriteTime(); }); }))
     , m_statusTimer(timers.makeTimer([this] { showStatus(); }))
+    , m_watch(m_loaded, timers, [this](const ForeignChanges& found) { foreignChangesFound(found); })
 {
 }
 
@@ -74,33 +75,36 @@ void CapturePreferencesController::setWindowFrameAutosaveName(const QString& nam
 
 bool CapturePreferencesController::prepareWithItems(const QList<QUrl>& urls)
 {
-    m_loaded = {};
+    LoadedItems loaded;
     const ItemPass pass{.text = tr("Reading the capture preferences of %1 items...").arg(urls.size()),
                         .count = urls.size(),
-                        .perform = [this, &urls](qsizetype index) {
-                            m_loaded.add(urls[index]);
+                        .perform = [&loaded, &urls](qsizetype index) {
+                            loaded.add(urls[index]);
                             return true;
                         }};
     if (runPass(pass, window(), m_timers) == PassEnd::Cancelled)
         return false;
-    showRefusedSoon();
-    if (m_loaded.items.isEmpty())
+    showRefusedSoon(loaded.refused, !loaded.items.isEmpty());
+    if (loaded.items.isEmpty())
         return false;
+    m_watch.stop();
+    m_loaded = std::move(loaded);
     window().showItems(m_loaded);
     showPatterns();
     updateView();
     m_dirty = false;
     m_failure.clear();
+    m_written = {};
+    m_foreign = {};
     showStatus();
     return true;
 }
 
-void CapturePreferencesController::showRefusedSoon()
+void CapturePreferencesController::showRefusedSoon(const QList<RefusedItem>& refused, bool onWindow)
 {
-    if (m_loaded.refused.isEmpty())
+    if (refused.isEmpty())
         return;
-    const Alert alert = item_texts::permissionAlert(m_loaded.refused);
-    const bool onWindow = !m_loaded.items.isEmpty();
+    const Alert alert = item_texts::permissionAlert(refused);
     onMainQueue([controller = QPointer(this), alert, onWindow] {
         if (!controller)
             return;
@@ -186,6 +190,7 @@ void CapturePreferencesController::windowWillClose()
 {
     if (!m_frameName.isEmpty())
         window_frames::save(window(), m_frameName);
+    m_watch.stop();
     commitEditingAndWrite();
 }
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "capture_prefs_ui/foreign_changes.h"
 #include "capture_prefs_ui/loaded_items.h"
+#include "capture_prefs_ui/written_items.h"
 #include "foundation/observable.h"
 
 #include <QList>
@@ -22,6 +24,7 @@ class CapturePreferencesWindow;
 class DurationField;
 class MixedCheckBox;
 class PatternTableViewController;
+class StatusLine;
 class TableWidthConstraint;
 class Timer;
 class Timers;
@@ -54,7 +57,8 @@ public:
     CapturePreferencesController& operator=(CapturePreferencesController&&) = delete;
 
     /// Loads the items and fills the window. Blocks on the disk; events are handled meanwhile when that takes long.
-    /// Items that may not be changed are left out, and an alert that comes soon after names them.
+    /// Items that may not be changed are left out, and an alert that comes soon after names them. May be called again;
+    /// what was loaded and changed before stays when nothing can be edited.
     ///
     /// \selector prepareWithItems:
     /// \param urls of files and folders; others count as items that may not be changed.
@@ -128,16 +132,23 @@ private:
     void connectIgnoring();
     void connectScraping();
     void observePatterns();
-    void showRefusedSoon();
+    void showRefusedSoon(const QList<RefusedItem>& refused, bool onWindow);
     void showPatterns();
     void patternsChanged();
     template<class Value>
     void setOnPrefs(OptionRange range, Value FileCapturePreferences::*property, const Value& value);
 
-    [[nodiscard]] bool writeItem(std::size_t index, const PatternFilterDefs& edited, bool keepsOwn);
+    void givePatterns(std::size_t index, const PatternFilterDefs& edited, bool keepsOwn);
+    [[nodiscard]] bool writeItem(std::size_t index);
+    void noteWritten(std::size_t index, const platform::AttributeValue& before, const QByteArray& record);
     void reportFailure(std::size_t index, const QString& reason);
     void saveNow();
+
     void showStatus();
+    void showCountdown(StatusLine& line);
+    void lookForForeignChanges();
+    void foreignChangesFound(const ForeignChanges& found);
+    void reload();
 
     AlertPresenter& m_alerts;
     std::function<void()> m_busy;
@@ -152,6 +163,9 @@ private:
     std::unique_ptr<Timer> m_autoWriteTimer;
     std::unique_ptr<Timer> m_statusTimer; // counts the seconds down
     QString m_failure;                    // why the last write did not succeed; empty when it did
+    WrittenItems m_written;               // by the last write
+    ForeignChangesWatch m_watch;
+    ForeignChanges m_foreign; // found last
 };
 
 } // namespace havrel

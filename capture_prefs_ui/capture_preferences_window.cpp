@@ -222,6 +222,8 @@ void CapturePreferencesWindow::changeEvent(QEvent* event)
         emphasizeName();
     if (event->type() == QEvent::LayoutDirectionChange)
         alignTexts();
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        Q_EMIT activated();
     QWidget::changeEvent(event);
 }
 

@@ -45,6 +45,8 @@ public:
     void commitEditing();
 
 Q_SIGNALS:
+    /// The user turned to the window.
+    void activated();
     /// The window goes; it can still be asked.
     void closing();
 

@@ -8,11 +8,12 @@
 #include "capture_prefs_ui/timers.h"
 #include "diagnostics/exception.h"
 #include "diagnostics/logr.h"
+#include "filters/capture_preferences_attribute.h"
 #include "fs/path.h"
 
 #include <QScopedValueRollback>
 
-#include <ui_CapturePreferencesWindow.h>
+#include <cerrno>
 
 namespace havrel {
 namespace {
@@ -78,33 +79,45 @@ bool CapturePreferencesController::setModifiedPrefs()
     m_dirty = false;
     m_failure.clear();
     const QScopedValueRollback isWriting(m_isWriting, true);
+    m_written = {};
+    m_watch.stop();
     const EditedPatterns edited = editedPatterns(*patternTableController());
     const auto count = static_cast<qsizetype>(m_loaded.paths.size());
     qsizetype written = 0;
     const ItemPass pass{.text = tr("Writing the capture preferences of %1 items...").arg(count),
                         .count = count,
                         .perform = [&](qsizetype index) {
-                            const bool isWritten =
-                                writeItem(static_cast<std::size_t>(index), edited.patterns, edited.keepsOwn);
+                            givePatterns(static_cast<std::size_t>(index), edited.patterns, edited.keepsOwn);
+                            const bool isWritten = writeItem(static_cast<std::size_t>(index));
                             written += isWritten;
                             return isWritten;
                         }};
     const PassEnd end = runPass(pass, window(), m_timers);
     if (end == PassEnd::Cancelled)
         m_failure = tr("stopped after %1 of %2 items").arg(written).arg(count);
+    if (end == PassEnd::Finished) {
+        m_foreign = {};
+        m_loaded.unreadable.clear();
+    }
     showStatus();
     return end == PassEnd::Finished;
 }
 
-bool CapturePreferencesController::writeItem(std::size_t index, const PatternFilterDefs& edited, bool keepsOwn)
+void CapturePreferencesController::givePatterns(std::size_t index, const PatternFilterDefs& edited, bool keepsOwn)
 {
-    FileCapturePreferences& preferences = m_loaded.prefs.all()[index];
-    if (const std::optional<PatternFilterDefs>& own = m_loaded.originalPatterns[index]) {
-        const PatternSet& common = m_loaded.commonPatterns.patterns();
-        preferences.setExcludeFilterDefs(keepsOwn ? withOwnPatterns(edited, *own, common) : edited);
-    }
+    const std::optional<PatternFilterDefs>& own = m_loaded.originalPatterns[index];
+    if (!own)
+        return;
+    const PatternSet& common = m_loaded.commonPatterns.patterns();
+    m_loaded.prefs.all()[index].setExcludeFilterDefs(keepsOwn ? withOwnPatterns(edited, *own, common) : edited);
+}
+
+bool CapturePreferencesController::writeItem(std::size_t index)
+{
+    const JNPath& path = *m_loaded.paths[index];
+    const platform::AttributeValue before = capture_preferences_attribute::valueFrom(path.cPath());
     try {
-        preferences.setPreferencesAtPath(*m_loaded.paths[index]);
+        noteWritten(index, before, m_loaded.prefs.all()[index].setPreferencesAtPath(path));
     } catch (...) {
         const Exception exception = Exception::fromCurrent();
         Logr::logNewException(exception);
@@ -114,28 +127,24 @@ bool CapturePreferencesController::writeItem(std::size_t index, const PatternFil
     return true;
 }
 
+/// What another program wrote, and what is the same now, was not lost: nor is what was written for the same item given
+/// twice.
+void CapturePreferencesController::noteWritten(std::size_t index,
+                                               const platform::AttributeValue& before,
+                                               const QByteArray& record)
+{
+    platform::AttributeValue now = valueOfRecord(record);
+    if (!areSameValues(before, m_loaded.seen[index]) && !areSameValues(before, now))
+        m_written.overOthers.push_back(index);
+    if (now.error == ERANGE)
+        m_written.tooLong.push_back(index);
+    m_loaded.seen[index] = std::move(now);
+}
+
 void CapturePreferencesController::reportFailure(std::size_t index, const QString& reason)
 {
     m_failure = reason;
     m_alerts.beginSheet(item_texts::writeAlert(*m_loaded.paths[index], reason), window(), {});
-}
-
-void CapturePreferencesController::showStatus()
-{
-    StatusLine& line = *window().outlets().statusLine;
-    if (m_dirty) {
-        const auto remaining = m_autoWriteTimer->remaining();
-        const auto seconds = std::chrono::ceil<std::chrono::seconds>(remaining);
-        line.showSavingIn(static_cast<int>(seconds.count()));
-        if (remaining > 0ms)
-            m_statusTimer->start(remaining - (seconds - 1s) + 1ms);
-        return;
-    }
-    m_statusTimer->stop();
-    if (m_failure.isEmpty())
-        line.showSaved();
-    else
-        line.showNotSaved(m_failure);
 }
 
 } // namespace havrel

@@ -2,11 +2,15 @@
 #include "capture_prefs_ui/item_texts.h"
 
 #include "capture_prefs_ui/alert.h"
+#include "capture_prefs_ui/foreign_changes.h"
 #include "capture_prefs_ui/loaded_items.h"
+#include "capture_prefs_ui/written_items.h"
 #include "fs/path.h"
 
 #include <QCoreApplication>
 #include <QDir>
+
+#include <algorithm>
 
 namespace havrel::item_texts {
 namespace {
@@ -36,14 +40,41 @@ QString files(qsizetype count)
 }
 
 /// Names come from files and may hold what looks like a place marker: all are put in at once.
-QString namesOf(const QList<QUrl>& refused)
+QString namesOf(const QList<RefusedItem>& refused)
 {
-    const QString first = displayNameOf(refused.first());
+    const QString first = displayNameOf(refused.first().url);
     if (refused.size() == 1)
         return Texts::tr("'%1'").arg(first);
     if (refused.size() == 2)
-        return Texts::tr("'%1' and '%2'").arg(first, displayNameOf(refused.last()));
+        return Texts::tr("'%1' and '%2'").arg(first, displayNameOf(refused.last().url));
     return Texts::tr("'%1' and %2 other items").arg(first, QString::number(refused.size() - 1));
+}
+
+/// The name of one item, the number of several.
+QString itemsAt(const std::vector<std::size_t>& places, const LoadedItems& loaded)
+{
+    if (places.size() == 1)
+        return loaded.paths[places.front()]->name();
+    return Texts::tr("%1 items").arg(places.size());
+}
+
+QString reasonFor(Refusal refusal)
+{
+    if (refusal == Refusal::Permission)
+        return Texts::tr("You do not have permission to edit these preferences. Use the havrel "
+                         "command-line tool (sudo havrel captureprefs ...) to set them.");
+    return Texts::tr("Files and folders can carry capture preferences, but not links, devices and the like, nor "
+                     "anything on a file system that keeps no extended attributes.");
+}
+
+/// Each once.
+QString reasonsFor(const QList<RefusedItem>& refused)
+{
+    QStringList reasons;
+    for (const Refusal each : {Refusal::Permission, Refusal::NoAttributes})
+        if (std::any_of(refused.begin(), refused.end(), [each](const RefusedItem& item) { return item.why == each; }))
+            reasons.append(reasonFor(each));
+    return reasons.join(QStringLiteral("\n\n"));
 }
 
 } // namespace
@@ -75,12 +106,26 @@ QString patternsTitle(const LoadedItems& loaded)
     return loaded.containers() == 1 ? Texts::tr("Leave out of this folder") : Texts::tr("Leave out of these folders");
 }
 
-Alert permissionAlert(const QList<QUrl>& refused)
+QString note(const LoadedItems& loaded, const ForeignChanges& foreign, const WrittenItems& written)
+{
+    if (!written.tooLong.empty())
+        return Texts::tr("Saved, but too long to be read back: %1").arg(itemsAt(written.tooLong, loaded));
+    if (!foreign.vanished.empty())
+        return Texts::tr("No longer there: %1").arg(itemsAt(foreign.vanished, loaded));
+    if (!foreign.changed.empty())
+        return Texts::tr("Changed elsewhere: %1").arg(itemsAt(foreign.changed, loaded));
+    if (!written.overOthers.empty())
+        return Texts::tr("Saved, over changes made elsewhere: %1").arg(itemsAt(written.overOthers, loaded));
+    if (!loaded.unreadable.empty())
+        return Texts::tr("Cannot be read, and would be replaced: %1").arg(itemsAt(loaded.unreadable, loaded));
+    return {};
+}
+
+Alert permissionAlert(const QList<RefusedItem>& refused)
 {
     return {.style = AlertStyle::Informational,
             .messageText = Texts::tr("%1 cannot be modifed").arg(namesOf(refused)),
-            .informativeText = Texts::tr("You do not have permission to edit these preferences. Use the havrel "
-                                         "command-line tool (sudo havrel captureprefs ...) to set them.")};
+            .informativeText = reasonsFor(refused)};
 }
 
 Alert writeAlert(const JNPath& path, const QString& reason)

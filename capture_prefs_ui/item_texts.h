@@ -3,7 +3,6 @@
 
 #include <QList>
 #include <QString>
-#include <QUrl>
 
 class QIcon;
 
@@ -11,7 +10,10 @@ namespace havrel {
 
 class JNPath;
 struct Alert;
+struct ForeignChanges;
 struct LoadedItems;
+struct RefusedItem;
+struct WrittenItems;
 
 /// What is said and shown of the items of a window.
 ///
@@ -25,8 +27,11 @@ namespace item_texts {
 /// What stands over the patterns.
 [[nodiscard]] QString patternsTitle(const LoadedItems& loaded);
 
-/// That the \p refused items, at least one, may not be edited; by their display names.
-[[nodiscard]] Alert permissionAlert(const QList<QUrl>& refused);
+/// What the quiet line has to say of items that are saved, the most urgent alone; empty when there is nothing more.
+[[nodiscard]] QString note(const LoadedItems& loaded, const ForeignChanges& foreign, const WrittenItems& written);
+
+/// That the \p refused items, at least one, may not be edited, and why; by their display names.
+[[nodiscard]] Alert permissionAlert(const QList<RefusedItem>& refused);
 /// That the item at \p path could not be written, and why.
 [[nodiscard]] Alert writeAlert(const JNPath& path, const QString& reason);
 

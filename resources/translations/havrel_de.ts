@@ -68,6 +68,34 @@
         <source>Unable to change the capture preferences for '%1'.</source>
         <translation>Die Sicherungseinstellungen für „%1“ konnten nicht geändert werden.</translation>
     </message>
+    <message>
+        <source>%1 items</source>
+        <translation>%1 Objekte</translation>
+    </message>
+    <message>
+        <source>Files and folders can carry capture preferences, but not links, devices and the like, nor anything on a file system that keeps no extended attributes.</source>
+        <translation>Dateien und Ordner können Sicherungseinstellungen tragen, nicht aber Verknüpfungen, Geräte und dergleichen, und nichts auf einem Dateisystem ohne erweiterte Attribute.</translation>
+    </message>
+    <message>
+        <source>Saved, but too long to be read back: %1</source>
+        <translation>Gespeichert, aber zu lang, um gelesen zu werden: %1</translation>
+    </message>
+    <message>
+        <source>No longer there: %1</source>
+        <translation>Nicht mehr da: %1</translation>
+    </message>
+    <message>
+        <source>Changed elsewhere: %1</source>
+        <translation>Anderswo geändert: %1</translation>
+    </message>
+    <message>
+        <source>Saved, over changes made elsewhere: %1</source>
+        <translation>Gespeichert, über anderswo Geändertes: %1</translation>
+    </message>
+    <message>
+        <source>Cannot be read, and would be replaced: %1</source>
+        <translation>Nicht lesbar, würde ersetzt: %1</translation>
+    </message>
 </context>
 <context>
     <name>CapturePreferencesWindow</name>
@@ -412,6 +440,10 @@
         <source>Remove Patterns</source>
         <translation>Muster entfernen</translation>
     </message>
+    <message>
+        <source>Change Pattern</source>
+        <translation>Muster ändern</translation>
+    </message>
 </context>
 <context>
     <name>havrel::ServiceApplicationDelegate</name>
@@ -457,6 +489,18 @@
     <message>
         <source>Not saved: %1</source>
         <translation>Nicht gespeichert: %1</translation>
+    </message>
+    <message>
+        <source>&amp;Reload</source>
+        <translation>Neu &amp;laden</translation>
+    </message>
+    <message>
+        <source>Shows what is stored now, and forgets what is not saved</source>
+        <translation>Zeigt, was jetzt gespeichert ist, und verwirft, was nicht gespeichert ist</translation>
+    </message>
+    <message>
+        <source>%1, over changes made elsewhere</source>
+        <translation>%1, über anderswo Geändertes</translation>
     </message>
 </context>
 <context>

@@ -155,6 +155,73 @@ TEST_F(CapturePreferencesLoading, TakesWhatIsNotThereOrNotLocalForUnwritable)
               QStringLiteral("'missing' and 2 other items cannot be modifed"));
 }
 
+TEST_F(CapturePreferencesLoading, RefusesWhatCannotCarryPreferences)
+{
+    m_tree.addLink("link", "file");
+    m_tree.addLink("dangling", "nowhere");
+    ASSERT_EQ(::mkfifo(m_tree.path("pipe").c_str(), 0600), 0);
+    EXPECT_FALSE(m_controller.prepareWithItems(urlsOf({"link", "dangling", "pipe"})));
+    QCoreApplication::processEvents();
+    ASSERT_EQ(m_alerts.shown.size(), 1U);
+    EXPECT_EQ(m_alerts.shown.front().alert.messageText, QStringLiteral("'link' and 2 other items cannot be modifed"));
+    EXPECT_EQ(m_alerts.shown.front().alert.informativeText,
+              QStringLiteral("Files and folders can carry capture preferences, but not links, devices and the like, "
+                             "nor anything on a file system that keeps no extended attributes."));
+}
+
+TEST_F(CapturePreferencesLoading, RefusesWhatIsOnAFileSystemWithoutAttributes)
+{
+    const QList<QUrl> urls{JNPath::withCPath("/proc/self/oom_score_adj")->url()};
+    ASSERT_EQ(platform::sizeOfAttribute("/proc/self/oom_score_adj", "user.com.havrel.prefs").error, ENOTSUP);
+    EXPECT_FALSE(m_controller.prepareWithItems(urls));
+    QCoreApplication::processEvents();
+    ASSERT_EQ(m_alerts.shown.size(), 1U);
+    EXPECT_TRUE(m_alerts.shown.front().alert.informativeText.startsWith(QStringLiteral("Files and folders")));
+}
+
+TEST_F(CapturePreferencesLoading, TellsEachReasonOfARefusalOnce)
+{
+    m_tree.addLink("link", "file");
+    ASSERT_TRUE(m_controller.prepareWithItems(urlsOf({"missing", "link", "missing too", "folder"})));
+    QCoreApplication::processEvents();
+    ASSERT_EQ(m_alerts.shown.size(), 1U);
+    const QStringList reasons = m_alerts.shown.front().alert.informativeText.split(QStringLiteral("\n\n"));
+    ASSERT_EQ(reasons.size(), 2);
+    EXPECT_TRUE(reasons[0].startsWith(QStringLiteral("You do not have permission")));
+    EXPECT_TRUE(reasons[1].startsWith(QStringLiteral("Files and folders")));
+}
+
+TEST_F(CapturePreferencesLoading, SaysThatARecordCannotBeReadAndIsReplacedByAChange)
+{
+    ASSERT_EQ(platform::writeAttribute(m_tree.bytes("folder"), "user.com.havrel.prefs", "no list"), 0);
+    ASSERT_TRUE(m_controller.prepareWithItems(urlsOf({"folder"})));
+    EXPECT_EQ(control<StatusLine>("statusLine").text(),
+              QStringLiteral("Cannot be read, and would be replaced: folder"));
+    control<MixedRadioButton>("optionExcludeButton").click();
+    EXPECT_TRUE(m_controller.setModifiedPrefs());
+    EXPECT_EQ(control<StatusLine>("statusLine").text(), QStringLiteral("Saved"));
+    EXPECT_EQ(stored("folder").option, CaptureOption::Exclude);
+}
+
+TEST_F(CapturePreferencesLoading, GetsByWithTheLongestNames)
+{
+    const std::string name(255, 'n');
+    m_tree.add(name + "/");
+    ASSERT_TRUE(m_controller.prepareWithItems(urlsOf({"folder"})));
+    const int usual = m_controller.window().sizeHint().width();
+    ASSERT_TRUE(m_controller.prepareWithItems(urlsOf({name})));
+    EXPECT_EQ(m_controller.window().sizeHint().width(), usual);
+    EXPECT_EQ(label("itemNameField"), QString(255, u'n'));
+}
+
+TEST_F(CapturePreferencesLoading, KeepsWhatWasLoadedWhenNothingCanBeEdited)
+{
+    ASSERT_TRUE(m_controller.prepareWithItems(urlsOf({"folder"})));
+    EXPECT_FALSE(m_controller.prepareWithItems(urlsOf({"missing"})));
+    EXPECT_EQ(m_controller.items(), urlsOf({"folder"}));
+    EXPECT_TRUE(m_controller.atLeastOneContainer());
+}
+
 TEST_F(CapturePreferencesLoading, PutsNamesIntoTheAlertAsTheyAre)
 {
     const QList<QUrl> urls{urlOf("%2 <b>"), urlOf("%1")};

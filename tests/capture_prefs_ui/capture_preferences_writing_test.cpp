@@ -2,8 +2,11 @@
 #include "capture_prefs_ui/duration_field.h"
 #include "capture_prefs_ui/mixed_radio_button.h"
 #include "capture_prefs_ui/pattern_table_pane.h"
+#include "capture_prefs_ui/pattern_table_simple_cell_view.h"
 #include "capture_prefs_ui/pattern_table_view_controller.h"
+#include "capture_prefs_ui/resizing_pattern_text_field.h"
 #include "capture_prefs_ui/status_line.h"
+#include "capture_prefs_ui/table_view.h"
 #include "capture_prefs_ui/table_width_constraint.h"
 #include "filters/pattern_filter_def.h"
 #include "tests/capture_prefs_ui/capture_preferences_fixture.h"
@@ -13,10 +16,12 @@
 
 #include <QDesktopServices>
 #include <QFile>
+#include <QMessageBox>
 #include <QProcess>
 #include <QProgressDialog>
 #include <QStyle>
 #include <QTest>
+#include <QTimeEdit>
 #include <QTimer>
 
 #include <fcntl.h>
@@ -270,6 +275,21 @@ TEST_F(CapturePreferencesWriting, StopsAtTheFirstItemThatFails)
     EXPECT_EQ(m_alerts.shown.size(), 1U) << "nothing counts as changed any more";
 }
 
+TEST_F(CapturePreferencesWriting, TellsOfAFailureAtTheCloseWhenTheWindowHasGone)
+{
+    WidgetAlertPresenter presenter;
+    CapturePreferencesController controller(
+        presenter, [] {}, m_timers);
+    ASSERT_TRUE(controller.prepareWithItems(urlsOf({"folder"})));
+    controller.showWindow();
+    controller.window().findChild<QAbstractButton*>(QStringLiteral("optionExcludeButton"))->click();
+    std::filesystem::remove(m_tree.path("folder"));
+    controller.window().close();
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(controller.window().isVisible());
+    EXPECT_NE(shownWindow<QMessageBox>(), nullptr);
+}
+
 TEST_F(CapturePreferencesWriting, TriesAgainWhenAsked)
 {
     ASSERT_TRUE(m_controller.prepareWithItems(urlsOf({"folder"})));
@@ -294,14 +314,51 @@ TEST_F(CapturePreferencesWriting, FailsOnAnItemThatBecameReadOnly)
     EXPECT_EQ(m_alerts.shown.front().alert.informativeText, QStringLiteral("Permission denied"));
 }
 
-TEST_F(CapturePreferencesWriting, SaysThatALinkCarriesNoPreferences)
+TEST_F(CapturePreferencesWriting, SaysWhenNobodyCanReadWhatIsSaved)
 {
-    m_tree.addLink("link", "file");
-    ASSERT_TRUE(m_controller.prepareWithItems(urlsOf({"link"})));
-    click("optionExcludeButton");
-    EXPECT_FALSE(m_controller.setModifiedPrefs());
-    EXPECT_EQ(m_alerts.shown.size(), 1U);
-    EXPECT_EQ(stored("file").option, CaptureOption::Normal);
+    ASSERT_TRUE(m_controller.prepareWithItems(urlsOf({"folder"})));
+    QStringList lines;
+    for (int i = 0; i < 100; ++i)
+        lines.append(QStringLiteral("//a-rather-long-name-%1").arg(i));
+    m_controller.patternTableController()->addPatternStrings(lines);
+    EXPECT_TRUE(m_controller.setModifiedPrefs());
+    EXPECT_EQ(statusLine().text(), QStringLiteral("Saved, but too long to be read back: folder"));
+    m_controller.patternTableController()->setFilterDefs({});
+    EXPECT_TRUE(m_controller.setModifiedPrefs());
+    EXPECT_EQ(statusLine().text(), QStringLiteral("Saved"));
+}
+
+TEST_F(CapturePreferencesWriting, TakesOverAPatternThatIsBeingTypedAtTheClose)
+{
+    store("folder", withPatterns("//first"));
+    ASSERT_TRUE(m_controller.prepareWithItems(urlsOf({"folder"})));
+    m_controller.showWindow();
+    auto* row =
+        qobject_cast<PatternTableSimpleCellView*>(control<PatternTablePane>("patternTable").tableView().viewAtRow(0));
+    ASSERT_NE(row, nullptr);
+    row->textField()->setFocus();
+    row->textField()->selectAll();
+    QTest::keyClicks(row->textField(), QStringLiteral("second"));
+    ASSERT_FALSE(m_controller.dirty());
+    m_controller.window().close();
+    EXPECT_EQ(linesOf(stored("folder")), "//second");
+}
+
+TEST_F(CapturePreferencesWriting, TakesOverATimeThatIsBeingTypedAtTheClose)
+{
+    FileCapturePreferences ignoring;
+    ignoring.option = CaptureOption::IgnoreChanges;
+    ignoring.ignoreBetween = true;
+    store("folder", ignoring);
+    QLocale::setDefault(QLocale::c());
+    ASSERT_TRUE(m_controller.prepareWithItems(urlsOf({"folder"})));
+    m_controller.showWindow();
+    auto& picker = control<QTimeEdit>("ignoreFromPicker");
+    picker.setFocus();
+    picker.setSelectedSection(QDateTimeEdit::HourSection);
+    QTest::keyClicks(&picker, QStringLiteral("07"));
+    m_controller.window().close();
+    EXPECT_EQ(stored("folder").ignoreFromMinute, 420U);
 }
 
 TEST_F(CapturePreferencesWriting, TellsOfAFullDisk)

@@ -106,6 +106,13 @@ const std::vector<Picture>& pictures()
              QFile::remove(controller.items().last().toLocalFile());
              timers.pass(std::chrono::seconds(7));
          }},
+        {"changed-elsewhere",
+         {"Photos"},
+         [](auto& controller, auto& timers) {
+             FileCapturePreferences().setPreferencesAtPath(*JNPath::withURL(controller.items().first()));
+             Q_EMIT controller.window().activated();
+             timers.pass(std::chrono::seconds(0));
+         }},
         {"problem", {"Projects"}, [](auto& controller, auto&) { typeBadPattern(controller); }},
     };
     return all;
@@ -227,6 +234,7 @@ int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    havrel::VisibleIndicators::install(); // as the service does
     QCommandLineParser options;
     options.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("where the pictures go"));
     options.addPositionalArgument(QStringLiteral("suffix"), QStringLiteral("of the names of the pictures"));
@@ -234,7 +242,6 @@ int main(int argc, char** argv)
     const QCommandLineOption dark(QStringLiteral("dark"), QStringLiteral("a dark palette"));
     const QCommandLineOption mirrored(QStringLiteral("rtl"), QStringLiteral("right to left"));
     const QCommandLineOption font(QStringLiteral("font"), QStringLiteral("size of texts"), QStringLiteral("points"));
-    havrel::VisibleIndicators::install(); // as the service does
     const QCommandLineOption language(
         QStringLiteral("language"), QStringLiteral("of the texts"), QStringLiteral("code"));
     options.addOptions({dark, mirrored, font, language});
