@@ -9,7 +9,7 @@ import os
 import sys
 import urllib.parse
 
-from desktop_session import Atspi, Session, TookTooLong, centre, find, press, until
+from desktop_session import Atspi, Focus, Session, TookTooLong, centre, find, press, until
 from preferences_window import edit_in_window
 
 MENU = "Havrel"
@@ -24,17 +24,53 @@ PROGRAMS = {
     "caja": ["caja", "--no-desktop", "--browser"],
     "nemo-extension": ["nemo"],
     "nemo-actions": ["nemo"],
+    "pcmanfm-qt": ["pcmanfm-qt"],
     "thunar-extension": ["thunar"],
     "thunar-actions": ["thunar"],
 }
 
 
-def open_menu_of_all(session, folder):
+def give_keyboard(session, folder):
     window = until(lambda: session.key_tool("search", "--onlyvisible", "--name", os.path.basename(folder), quiet=True),
                    "its window").split()[-1]
     session.key_tool("windowfocus", "--sync", window)
+
+
+def open_menu_of_all(session, folder, _first):
+    give_keyboard(session, folder)
     session.key_tool("key", "ctrl+a")
     session.key_tool("key", "shift+F10")
+
+
+def open_menu_of_first(session, folder, first):
+    """Of the first item in the folder, by keys: the icons of Nemo do not say where they are."""
+    give_keyboard(session, folder)
+    session.key_tool("key", "Home")
+    until(lambda: find(None, {Atspi.Role.STATUS_BAR}).get_name().startswith(f'"{first}" selected'), "the selection")
+    session.key_tool("key", "shift+F10")
+
+
+def windows_of(session, program):
+    return len(session.key_tool("search", "--onlyvisible", "--class", program, quiet=True).split())
+
+
+def open_menu_by_mouse(session, item, program):
+    """Until the menu is there, which has the keyboard from then on."""
+    before = windows_of(session, program)
+    click(session, item, button="3")
+    until(lambda: windows_of(session, program) > before, "the menu")
+
+
+def open_menu_of_all_in_pcmanfm_qt(session, folder, first):
+    """It has no key for the menu."""
+    until(lambda: find(f"{len(os.listdir(folder))} item(s)"), "the folder to be shown whole")
+    give_keyboard(session, folder)
+    session.key_tool("key", "ctrl+a")
+    open_menu_by_mouse(session, first, "pcmanfm-qt")
+
+
+def open_menu_of_item_in_pcmanfm_qt(session, _folder, first):
+    open_menu_by_mouse(session, first, "pcmanfm-qt")
 
 
 def place_of(name):
@@ -48,8 +84,11 @@ def click(session, name, button="1"):
     session.key_tool("mousemove", "--sync", *place, "click", button)
 
 
-def choose_by_mouse(session, item):
-    click(session, item, button="3")
+def open_menu_of_item(session, _folder, first):
+    click(session, first, button="3")
+
+
+def choose_by_mouse(session):
     click(session, MENU)
     until(lambda: place_of(TITLE), "the menu to open")
     session.take_picture("menu")
@@ -58,7 +97,26 @@ def choose_by_mouse(session, item):
 
 def choose(session):
     """The command from the menu, which is on the accessibility bus."""
-    press(until(lambda: find(TITLE, MENU_ITEM), "the command in the menu"))
+    item = until(lambda: find(TITLE, MENU_ITEM), "the command in the menu")
+    session.take_picture("menu")
+    press(item)
+
+
+def walk_to(session, focus, title):
+    for _ in range(60):  # more than a menu has
+        if focus.after_key(session, "Up") == title:
+            return
+    raise TookTooLong(f"{title!r} in the menu")
+
+
+def choose_by_walking(session):
+    """Up to the submenu, into it, and up to the command."""
+    focus = Focus()
+    walk_to(session, focus, MENU)
+    focus.after_key(session, "Right")
+    walk_to(session, focus, TITLE)
+    session.take_picture("menu")
+    session.key_tool("key", "Return")
 
 
 def choose_by_keys(session):
@@ -100,7 +158,17 @@ def compare(record, folder):
     print(f"{len(arrived)} of {len(selected)} items arrived, every name exact")
 
 
-CHOOSE = {("caja", "many"): choose_by_keys}
+# How the menu is opened, and how the command is chosen from it.
+BY_KEYS = (open_menu_of_all, choose)
+BY_MOUSE = (open_menu_of_item, choose_by_mouse)
+HANDS = {
+    ("caja", "many"): (open_menu_of_all, choose_by_keys),
+    ("caja", "window"): BY_MOUSE,
+    ("nemo-actions", "window"): (open_menu_of_first, choose),
+    ("pcmanfm-qt", "names"): (open_menu_of_all_in_pcmanfm_qt, choose_by_walking),
+    ("pcmanfm-qt", "window"): (open_menu_of_item_in_pcmanfm_qt, choose_by_walking),
+    ("thunar-actions", "window"): BY_MOUSE,
+}
 
 
 def main():
@@ -110,14 +178,14 @@ def main():
         session.start([*PROGRAMS[way], folder])
         try:
             until(lambda: find(first), "the file manager to show the folder")
+            if what == "many":
+                until(lambda: is_whole(folder), "the folder to be shown whole")
+            open_menu, choose_command = HANDS.get((way, what), BY_KEYS)
+            open_menu(session, folder, first)
+            choose_command(session)
             if what == "window":
-                choose_by_mouse(session, first)
                 edit_in_window(session, os.path.join(folder, first))
             else:
-                if what == "many":
-                    until(lambda: is_whole(folder), "the folder to be shown whole")
-                open_menu_of_all(session, folder)
-                CHOOSE.get((way, what), choose)(session)
                 compare(until(recorded, "the program to be started", 200), folder)
         except TookTooLong as failure:
             session.take_picture("failure")

@@ -29,9 +29,11 @@ WAYS = {
     "caja": (["caja"], ["python3-caja"], ["caja-python"]),
     "nemo-extension": (["nemo"], ["nemo-python"], ["nemo-python"]),
     "nemo-actions": (["nemo"], [], ["nemo"]),
+    "pcmanfm-qt": (["pcmanfm-qt"], [], ["file-manager"]),
     "thunar-extension": (["thunar"], ["thunarx-python", "gir1.2-thunarx-3.0"], ["thunarx-python"]),
     "thunar-actions": (["thunar"], [], []),
 }
+MANAGERS = {way: way.removesuffix("-extension").removesuffix("-actions") for way in WAYS}
 TOOLS = ["Xvfb", "openbox", "xdotool", "xprop", "dbus-run-session"]
 PACKAGES = ["at-spi2-core", "gir1.2-atspi-2.0", "python3-gi"]
 FOLDERS = [b"a dir", b"Projects"]
@@ -72,7 +74,7 @@ def install(way, build, what, scratch, environment):
     prefix = scratch / "prefix"
     subprocess.run(["cmake", "--install", build, "--prefix", prefix], check=True, stdout=subprocess.DEVNULL)
     if what == "window" or way == "thunar-actions":  # as a person does
-        subprocess.run([prefix / "bin/havrel", "integrations", "add", way.split("-")[0]], check=True, env=environment)
+        subprocess.run([prefix / "bin/havrel", "integrations", "add", MANAGERS[way]], check=True, env=environment)
     else:
         for folder in WAYS[way][2]:
             shutil.copytree(prefix / "share" / folder, scratch / "data" / folder)
@@ -109,6 +111,7 @@ def environment_for(scratch, what):
         "HAVREL_RECORD": str(scratch / "home/record"),
         "GSETTINGS_BACKEND": "memory",
         "GDK_BACKEND": "x11",
+        "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
         "LANG": "C.UTF-8",
         "PYTHONDONTWRITEBYTECODE": "1",
     }
@@ -145,7 +148,7 @@ def run(way, build, what, scratch):
                "/usr/bin/python3", scratch / "tests/drive.py", way, what, scratch / "items"]
     status = subprocess.run(command, env=environment, cwd=scratch, **as_user).returncode
     for picture in pictures.glob("*.png"):
-        name = way.split("-")[0] + "-" + picture.name
+        name = MANAGERS[way] + "-" + picture.name
         shutil.copyfile(picture, os.path.join(os.environ["HAVREL_PICTURES"], name))
     return status
 
