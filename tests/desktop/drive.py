@@ -6,6 +6,7 @@ window that comes.
 usage: drive.py WAY WHAT FOLDER     inside of a message bus of its own; see file_manager_test.py
 """
 import os
+import re
 import sys
 import urllib.parse
 
@@ -36,17 +37,40 @@ def give_keyboard(session, folder):
     session.key_tool("windowfocus", "--sync", window)
 
 
-def open_menu_of_all(session, folder, _first):
+def status():
+    bar = find(None, {Atspi.Role.STATUS_BAR})
+    return bar.get_name().replace(",", "") if bar else ""
+
+
+def is_whole(folder):
+    """The file manager counts in its status bar what it has read, when it is done: "20000 items Free space: ...", or
+    "1 folder | 9 files: ...". What is selected before that is selected no more then."""
+    counts = re.findall(r"(\d+) (?:item|folder|file)", status().partition("Free space")[0])
+    return sum(map(int, counts)) == len(os.listdir(folder))
+
+
+def select(session, folder, key):
+    until(lambda: is_whole(folder), "the folder to be shown whole")
     give_keyboard(session, folder)
-    session.key_tool("key", "ctrl+a")
+    session.key_tool("key", key)
+
+
+def open_menu_of_all(session, folder, _first):
+    select(session, folder, "ctrl+a")
+    until(lambda: "select" in status().lower(), "the selection")
+    session.key_tool("key", "shift+F10")
+
+
+def open_menu_of_many(session, folder, _first):
+    """With many selected items the accessibility bus is as good as silent."""
+    select(session, folder, "ctrl+a")
     session.key_tool("key", "shift+F10")
 
 
 def open_menu_of_first(session, folder, first):
     """Of the first item in the folder, by keys: the icons of Nemo do not say where they are."""
-    give_keyboard(session, folder)
-    session.key_tool("key", "Home")
-    until(lambda: find(None, {Atspi.Role.STATUS_BAR}).get_name().startswith(f'"{first}" selected'), "the selection")
+    select(session, folder, "Home")
+    until(lambda: status().startswith(f'"{first}" selected'), "the selection")
     session.key_tool("key", "shift+F10")
 
 
@@ -120,16 +144,8 @@ def choose_by_walking(session):
 
 
 def choose_by_keys(session):
-    """The command is the last of the last menu but one. With many selected items the accessibility bus is as good as
-    silent; keys wait in the server until the file manager takes them."""
+    """The command is the last of the last menu but one; keys wait in the server until the file manager takes them."""
     session.key_tool("key", "Up", "Up", "Right", "Up", "Return")
-
-
-def is_whole(folder):
-    """The file manager counts in its status bar what it has read, "20000 items, Free space: ...", when it is done."""
-    bar = find(None, {Atspi.Role.STATUS_BAR})
-    said = bar.get_name().replace(",", "") if bar else ""
-    return said.startswith(f"{len(os.listdir(folder))} items")
 
 
 def recorded():
@@ -162,8 +178,9 @@ def compare(record, folder):
 BY_KEYS = (open_menu_of_all, choose)
 BY_MOUSE = (open_menu_of_item, choose_by_mouse)
 HANDS = {
-    ("caja", "many"): (open_menu_of_all, choose_by_keys),
+    ("caja", "many"): (open_menu_of_many, choose_by_keys),
     ("caja", "window"): BY_MOUSE,
+    ("nemo-actions", "many"): (open_menu_of_many, choose),
     ("nemo-actions", "window"): (open_menu_of_first, choose),
     ("pcmanfm-qt", "names"): (open_menu_of_all_in_pcmanfm_qt, choose_by_walking),
     ("pcmanfm-qt", "window"): (open_menu_of_item_in_pcmanfm_qt, choose_by_walking),
@@ -178,8 +195,6 @@ def main():
         session.start([*PROGRAMS[way], folder])
         try:
             until(lambda: find(first), "the file manager to show the folder")
-            if what == "many":
-                until(lambda: is_whole(folder), "the folder to be shown whole")
             open_menu, choose_command = HANDS.get((way, what), BY_KEYS)
             open_menu(session, folder, first)
             choose_command(session)
