@@ -2,9 +2,11 @@
 #include "platform/child_process.h"
 
 #include "platform/argument_vector.h"
+#include "platform/owned_descriptor.h"
 
 #include <cerrno>
 #include <csignal>
+#include <vector>
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -13,6 +15,25 @@
 
 namespace havrel::platform {
 namespace {
+
+/// A descriptor that may be handed to a child under another number, whatever its own is: one of the first three could
+/// be replaced before it is its turn.
+class HandedDescriptor
+{
+public:
+    explicit HandedDescriptor(int descriptor)
+        : m_copy(descriptor >= 0 && descriptor <= STDERR_FILENO
+                     ? ::fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)
+                     : -1)
+        , m_descriptor(m_copy.isOpen() ? m_copy.get() : descriptor)
+    {
+    }
+    [[nodiscard]] int get() const noexcept { return m_descriptor; }
+
+private:
+    OwnedDescriptor m_copy;
+    int m_descriptor;
+};
 
 class OwnedFileActions
 {
@@ -24,18 +45,26 @@ public:
     OwnedFileActions(OwnedFileActions&&) = delete;
     OwnedFileActions& operator=(OwnedFileActions&&) = delete;
 
-    /// The output comes first: it may be the descriptor that the input replaces.
-    int redirect(int standardOutput)
+    int redirect(int standardInput, int standardOutput, int standardError)
     {
-        if (m_failure == 0)
-            m_failure = ::posix_spawn_file_actions_adddup2(&m_actions, standardOutput, STDOUT_FILENO);
-        if (m_failure == 0)
+        if (standardInput >= 0)
+            hand(standardInput, STDIN_FILENO);
+        else if (m_failure == 0)
             m_failure = ::posix_spawn_file_actions_addopen(&m_actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        hand(standardOutput, STDOUT_FILENO);
+        if (standardError >= 0)
+            hand(standardError, STDERR_FILENO);
         return m_failure;
     }
     [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &m_actions; }
 
 private:
+    void hand(int descriptor, int as)
+    {
+        if (m_failure == 0)
+            m_failure = ::posix_spawn_file_actions_adddup2(&m_actions, descriptor, as);
+    }
+
     posix_spawn_file_actions_t m_actions{};
     int m_failure = 0;
 };
@@ -71,15 +100,28 @@ private:
     int m_failure = 0;
 };
 
-int spawn(pid_t* child, char** arguments, int standardOutput)
+int spawn(pid_t* child, char** arguments, char** environment, const ProgramLaunch& wanted)
 {
+    const HandedDescriptor input(wanted.standardInput);
+    const HandedDescriptor output(wanted.standardOutput);
+    const HandedDescriptor errors(wanted.standardError);
     OwnedFileActions actions;
     OwnedSpawnAttributes attributes;
-    if (const int failure = actions.redirect(standardOutput))
+    if (const int failure = actions.redirect(input.get(), output.get(), errors.get()))
         return failure;
     if (const int failure = attributes.freeSignals())
         return failure;
-    return ::posix_spawn(child, *arguments, actions.get(), attributes.get(), arguments, environ);
+    return ::posix_spawn(child, *arguments, actions.get(), attributes.get(), arguments, environment);
+}
+
+/// The words as a call wants them, ended by a null pointer. They must outlive the result.
+std::vector<char*> pointersTo(QByteArrayList& words)
+{
+    std::vector<char*> pointers;
+    for (QByteArray& each : words)
+        pointers.push_back(each.data());
+    pointers.push_back(nullptr);
+    return pointers;
 }
 
 } // namespace
@@ -97,13 +139,26 @@ int OwnedChildProcess::wait() noexcept
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-LaunchResult launch(const QByteArray& program, const QByteArrayList& arguments, int standardOutput)
+void OwnedChildProcess::interrupt() const noexcept
 {
-    ArgumentVector words(program, arguments);
+    if (m_child > 0)
+        ::kill(m_child, SIGINT);
+}
+
+LaunchResult launch(const ProgramLaunch& wanted)
+{
+    ArgumentVector words(wanted.program, wanted.arguments);
+    QByteArrayList variables = wanted.environment.value_or(QByteArrayList());
+    std::vector<char*> environment = pointersTo(variables);
 
     pid_t child = 0;
-    const int failure = spawn(&child, words.data(), standardOutput);
+    const int failure = spawn(&child, words.data(), wanted.environment ? environment.data() : environ, wanted);
     return {failure, OwnedChildProcess(failure == 0 ? child : 0)};
+}
+
+LaunchResult launch(const QByteArray& program, const QByteArrayList& arguments, int standardOutput)
+{
+    return launch({.program = program, .arguments = arguments, .standardOutput = standardOutput});
 }
 
 } // namespace havrel::platform

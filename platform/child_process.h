@@ -4,6 +4,7 @@
 #include <QByteArray>
 #include <QByteArrayList>
 
+#include <optional>
 #include <utility>
 
 #include <sys/types.h>
@@ -40,6 +41,8 @@ public:
     ///
     /// \return its exit status, 128 + the number of the signal that ended it, or -1 when there is nothing to wait for.
     int wait() noexcept;
+    /// Asks the program to end, as Ctrl-C does. \source kill(2), SIGINT
+    void interrupt() const noexcept;
 
 private:
     pid_t m_child = 0; // 0 when there is none
@@ -52,14 +55,26 @@ struct LaunchResult
     OwnedChildProcess child;
 };
 
-/// Starts \p program, the path of an executable file, with \p arguments (its own name is put before them).
-///
-/// The child's standard output is \p standardOutput, which stays open here; its standard input is empty and its
-/// standard error is this process's. It gets this process's environment, no blocked or ignored signals, and no
-/// descriptor that is marked close-on-exec, as all of this program's are. Returns when the program was executed or
-/// could not be.
+/// A program to start, and what it is given.
+struct ProgramLaunch
+{
+    QByteArray program; ///< the path of an executable file; becomes the first of its words
+    QByteArrayList arguments = {};
+    int standardInput = -1;                         ///< a descriptor, which stays open here; -1: an empty input
+    int standardOutput;                             ///< a descriptor, which stays open here
+    int standardError = -1;                         ///< a descriptor, which stays open here; -1: this process's
+    std::optional<QByteArrayList> environment = {}; ///< "NAME=value"; none: this process's
+};
+
+/// Starts a program. It gets no blocked or ignored signals, and no descriptor that is marked close-on-exec, as all of
+/// this program's are. Returns when the program was executed or could not be.
 ///
 /// \source posix_spawn(3)
+///
+/// Threads: any thread.
+[[nodiscard]] LaunchResult launch(const ProgramLaunch& wanted);
+
+/// As above, with an empty input, and this process's errors and environment.
 ///
 /// Threads: any thread.
 [[nodiscard]] LaunchResult launch(const QByteArray& program, const QByteArrayList& arguments, int standardOutput);

@@ -14,7 +14,7 @@ namespace {
 constexpr qsizetype kChunk = qsizetype{64} * 1024; // bytes asked for at a time
 
 /// Reads on until the end of the file. Answers 0 or an errno value.
-int readToEnd(int descriptor, QByteArray& bytes)
+int readToEnd(int descriptor, QByteArray& bytes, qsizetype longest)
 {
     while (true) {
         const qsizetype size = bytes.size();
@@ -22,6 +22,8 @@ int readToEnd(int descriptor, QByteArray& bytes)
         const ssize_t count = ::read(descriptor, bytes.data() + size, kChunk);
         const int error = errno;
         bytes.resize(size + (count > 0 ? count : 0));
+        if (bytes.size() > longest)
+            return EFBIG;
         if (count == 0)
             return 0;
         if (count < 0 && error != EINTR)
@@ -31,7 +33,7 @@ int readToEnd(int descriptor, QByteArray& bytes)
 
 } // namespace
 
-FileContents readFile(const QByteArray& path)
+FileContents readFile(const QByteArray& path, qsizetype longest)
 {
     if (path.contains('\0'))
         return {{}, ENOENT};
@@ -39,7 +41,7 @@ FileContents readFile(const QByteArray& path)
     if (!file.isOpen())
         return {{}, errno};
     FileContents contents;
-    contents.error = readToEnd(file.get(), contents.bytes);
+    contents.error = readToEnd(file.get(), contents.bytes, longest);
     return contents;
 }
 

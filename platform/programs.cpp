@@ -66,6 +66,18 @@ bool isExecutable(const QByteArray& path)
     return ::access(path.constData(), X_OK) == 0;
 }
 
+QByteArray programOfName(const QByteArray& name)
+{
+    for (const QByteArray& folder : qgetenv("PATH").split(':')) {
+        const QByteArray path = folder + '/' + name;
+        struct stat status = {};
+        if (folder.startsWith('/') && ::stat(path.constData(), &status) == 0 && S_ISREG(status.st_mode) &&
+            isExecutable(path))
+            return path;
+    }
+    return {};
+}
+
 std::optional<SystemTime> beginningOfProgram(const QByteArray& program)
 {
     const std::unique_ptr<DIR, CloseFolder> processes(::opendir("/proc"));

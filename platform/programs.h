@@ -15,6 +15,12 @@ using SystemTime = std::chrono::system_clock::time_point;
 /// Threads: any thread.
 [[nodiscard]] bool isExecutable(const QByteArray& path);
 
+/// The path of the file that a command of the name \p name would run, as the environment's PATH says; empty when there
+/// is none. \source POSIX.1-2017, 8.3: PATH
+///
+/// Threads: any thread.
+[[nodiscard]] QByteArray programOfName(const QByteArray& name);
+
 /// When the oldest process of this user began whose program file has the name \p program ("nautilus"); nullopt when
 /// there is none. Exact to a hundredth of a second. Reads the whole table of processes.
 ///

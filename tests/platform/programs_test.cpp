@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/programs.h"
 
+#include "tests/support/environment_value.h"
 #include "tests/support/temporary_tree.h"
 
 #include <gtest/gtest.h>
@@ -34,6 +35,18 @@ TEST(Programs, AreWhatMayBeExecuted)
     EXPECT_TRUE(isExecutable(tree.bytes("link")));
     EXPECT_FALSE(isExecutable(tree.bytes("text")));
     EXPECT_FALSE(isExecutable(tree.bytes("missing")));
+}
+
+TEST(Programs, AreFoundByTheirNamesInTheOrderOfThePath)
+{
+    const TemporaryTree tree({"one/tool/", "two/tool", "two/text", "three/tool"});
+    ASSERT_EQ(::chmod(tree.path("two/tool").c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(tree.path("three/tool").c_str(), 0755), 0);
+    const tests::EnvironmentValue path(
+        "PATH", "three:" + tree.bytes("one") + ':' + tree.bytes("two") + ':' + tree.bytes("three"));
+    EXPECT_EQ(programOfName("tool"), tree.bytes("two/tool")) << "neither a folder nor relative to anything";
+    EXPECT_EQ(programOfName("text"), "");
+    EXPECT_EQ(programOfName("missing"), "");
 }
 
 TEST(Items, TellWhenTheyChanged)

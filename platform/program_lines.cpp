@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+#include "platform/program_lines.h"
+
+#include "platform/child_process.h"
+#include "platform/pipe.h"
+
+#include <array>
+#include <cerrno>
+
+#include <poll.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace havrel::platform {
+namespace {
+
+using LineBlock = std::function<Proceed(OutputStream, const QByteArray&)>;
+
+/// A file in memory that holds \p bytes, to be read from its beginning: unlike a pipe it needs nobody to fill it.
+OwnedDescriptor fileOf(const QByteArray& bytes)
+{
+    OwnedDescriptor file(::memfd_create("input", MFD_CLOEXEC));
+    for (qsizetype at = 0; file.isOpen() && at < bytes.size();) {
+        const ssize_t written =
+            ::pwrite(file.get(), bytes.constData() + at, static_cast<std::size_t>(bytes.size() - at), at);
+        if (written < 0 && errno != EINTR)
+            return OwnedDescriptor();
+        at += written < 0 ? 0 : written;
+    }
+    return file;
+}
+
+/// One of the program's streams, taken apart into lines.
+class LineStream
+{
+public:
+    LineStream(OutputStream stream, OwnedDescriptor readEnd)
+        : m_stream(stream)
+        , m_readEnd(std::move(readEnd))
+    {
+    }
+
+    /// To wait on; -1, which poll(2) passes over, when the stream has ended.
+    [[nodiscard]] int descriptor() const noexcept { return m_readEnd.get(); }
+
+    Proceed read(const LineBlock& line)
+    {
+        const QByteArray chunk = readAvailable(m_readEnd.get());
+        m_held += chunk;
+        Proceed proceed = deliver(line);
+        if (!chunk.isEmpty())
+            return proceed;
+        m_readEnd.reset();
+        if (!m_held.isEmpty() && line(m_stream, m_held) == Proceed::No)
+            proceed = Proceed::No;
+        return proceed;
+    }
+
+private:
+    Proceed deliver(const LineBlock& line)
+    {
+        Proceed proceed = Proceed::Yes;
+        qsizetype from = 0;
+        for (qsizetype end = 0; (end = m_held.indexOf('\n', std::max(from, m_searched))) >= 0; from = end + 1)
+            if (line(m_stream, m_held.mid(from, end - from)) == Proceed::No)
+                proceed = Proceed::No;
+        m_held.remove(0, from);
+        m_searched = m_held.size();
+        return proceed;
+    }
+
+    OutputStream m_stream;
+    OwnedDescriptor m_readEnd;
+    QByteArray m_held;
+    qsizetype m_searched = 0; // bytes of what is held that are known to have no newline
+};
+
+void readAll(std::array<LineStream, 2>& streams, const OwnedChildProcess& child, const LineBlock& line)
+{
+    bool interrupted = false;
+    while (streams[0].descriptor() >= 0 || streams[1].descriptor() >= 0) {
+        std::array<pollfd, 2> waits{pollfd{streams[0].descriptor(), POLLIN, 0},
+                                    pollfd{streams[1].descriptor(), POLLIN, 0}};
+        if (::poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR)
+            return;
+        for (std::size_t i = 0; i < waits.size(); ++i) {
+            if (waits[i].revents == 0 || streams[i].read(line) == Proceed::Yes || std::exchange(interrupted, true))
+                continue;
+            child.interrupt();
+        }
+    }
+}
+
+} // namespace
+
+ProgramEnd runForLines(const ProgramCall& call, const LineBlock& line)
+{
+    const OwnedDescriptor input = fileOf(call.input);
+    Pipe output = makePipe();
+    Pipe errors = makePipe();
+    if (!input.isOpen() || !output.writeEnd.isOpen() || !errors.writeEnd.isOpen())
+        return {.errnoValue = errno};
+    LaunchResult launched = launch({.program = call.program,
+                                    .arguments = call.arguments,
+                                    .standardInput = input.get(),
+                                    .standardOutput = output.writeEnd.get(),
+                                    .standardError = errors.writeEnd.get(),
+                                    .environment = call.environment});
+    if (launched.errnoValue != 0)
+        return {.errnoValue = launched.errnoValue};
+    output.writeEnd.reset();
+    errors.writeEnd.reset();
+    std::array<LineStream, 2> streams{LineStream(OutputStream::Output, std::move(output.readEnd)),
+                                      LineStream(OutputStream::Errors, std::move(errors.readEnd))};
+    readAll(streams, launched.child, line);
+    return {.status = launched.child.wait()};
+}
+
+} // namespace havrel::platform
