@@ -72,7 +72,10 @@ void TransportConnection::setExportedObject(std::shared_ptr<XPCExportedObject> o
 void TransportConnection::setInvalidationHandler(std::function<void()> handler)
 {
     const MutexLock guard(m_lock);
-    m_invalidationHandler.swap(handler);
+    if (m_hasToldTheEnd && handler)
+        m_queue.async(std::move(handler));
+    else
+        m_invalidationHandler.swap(handler);
 }
 
 XPCProxyPtr TransportConnection::remoteObjectProxyWithErrorHandler(ErrorHandler handler)
@@ -341,6 +344,7 @@ void TransportConnection::tellTheEnd()
     Error reason;
     {
         const MutexLock guard(m_lock);
+        m_hasToldTheEnd = true;
         handler.swap(m_invalidationHandler);
         object.swap(m_exportedObject);
         kept.swap(m_kept);

@@ -97,6 +97,7 @@ private:
     State m_state HAVREL_GUARDED_BY(m_lock) = State::New;
     bool m_isResumed HAVREL_GUARDED_BY(m_lock) = false;
     bool m_endedHere HAVREL_GUARDED_BY(m_lock) = false;
+    bool m_hasToldTheEnd HAVREL_GUARDED_BY(m_lock) = false;
     Error m_reason HAVREL_GUARDED_BY(m_lock);
     XPCInterfacePtr m_remoteInterface HAVREL_GUARDED_BY(m_lock);
     XPCInterfacePtr m_exportedInterface HAVREL_GUARDED_BY(m_lock);

@@ -69,8 +69,8 @@ public:
     virtual void setExportedInterface(XPCInterfacePtr interface) = 0;
     virtual void setExportedObject(std::shared_ptr<XPCExportedObject> object) = 0;
 
-    /// Called once, on the reply queue, when the connection has become invalid, whoever ended it. An empty function:
-    /// nobody.
+    /// Called once, on the reply queue, when the connection has become invalid, whoever ended it; at once when that has
+    /// happened already. An empty function: nobody.
     virtual void setInvalidationHandler(std::function<void()> handler) = 0;
 
     /// Begins: before it, nothing is sent nor received.

@@ -69,6 +69,19 @@ protected:
     Awaited<bool> m_ends;
 };
 
+TEST_F(InProcessFaults, AreToldToAHandlerThatComesAfterTheEnd)
+{
+    EXPECT_EQ(ask(), (Outcome{true, 0}));
+    m_transport.invalidateFromFarSide(kLibrary);
+    ASSERT_EQ(m_ends.one(), true);
+    Awaited<bool> late;
+
+    m_connection->setInvalidationHandler([&late] { late.tell(true); });
+
+    EXPECT_EQ(late.one(), true);
+    EXPECT_EQ(m_ends.count(), 1U);
+}
+
 TEST_F(InProcessFaults, RefuseAService)
 {
     EXPECT_EQ(ask(), (Outcome{true, 0}));
