@@ -18,7 +18,9 @@ namespace havrel {
 
 class HVPublishedConnection;
 class HVSwitchboardConnection;
+class MonitorProxy;
 class Protocol;
+class SchedulerProxy;
 class SwitchboardProxy;
 
 /// Names of what is posted to the default notification center, on the main queue, about an HVConnection. Its object is
@@ -63,14 +65,14 @@ public:
     [[nodiscard]] static std::shared_ptr<HVPublishedConnection> schedulerConnection();
     /// \selector +schedulerInterface
     [[nodiscard]] static XPCInterfacePtr schedulerInterface();
-    /// Connects if needed; null when that fails. \selector +scheduler
-    [[nodiscard]] static XPCProxyPtr scheduler();
+    /// Connects if needed; nobody when that fails. \selector +scheduler
+    [[nodiscard]] static SchedulerProxy scheduler();
     /// Threads: the main thread only, the first time. \selector +monitorConnection
     [[nodiscard]] static std::shared_ptr<HVPublishedConnection> monitorConnection();
     /// \selector +monitorInterface
     [[nodiscard]] static XPCInterfacePtr monitorInterface();
-    /// Connects if needed; null when that fails. \selector +monitor
-    [[nodiscard]] static XPCProxyPtr monitor();
+    /// Connects if needed; nobody when that fails. \selector +monitor
+    [[nodiscard]] static MonitorProxy monitor();
     /// A new one. \selector +connectionWithPublishedName:options:protocol:
     [[nodiscard]] static std::shared_ptr<HVPublishedConnection>
     connectionWithPublishedName(const QString& name, quint32 options, const Protocol& protocol);

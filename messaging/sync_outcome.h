@@ -2,6 +2,7 @@
 #pragma once
 
 #include "foundation/error.h"
+#include "messaging/xpc_error.h"
 
 #include <optional>
 
@@ -18,14 +19,12 @@ struct SyncOutcome
     explicit operator bool() const noexcept { return succeeded; }
 };
 
-/// There is no connection, or none any more.
-///
-/// \source NSXPCConnectionInvalid of the platform's error codes
+/// There is no connection.
 ///
 /// Threads: any thread.
 [[nodiscard]] inline Error invalidConnectionError()
 {
-    return {error_domain::kCocoa, 4099};
+    return {error_domain::kCocoa, xpc_error::kConnectionInvalid};
 }
 
 } // namespace havrel
