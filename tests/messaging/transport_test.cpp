@@ -2,6 +2,7 @@
 #include "diagnostics/exception.h"
 #include "foundation/error.h"
 #include "messaging/reply_queue.h"
+#include "messaging/transport_connection.h"
 #include "messaging/xpc_connection.h"
 #include "messaging/xpc_endpoint.h"
 #include "messaging/xpc_error.h"
@@ -44,10 +45,21 @@ protected:
 
     void TearDown() override
     {
-        if (m_connection)
-            m_connection->invalidate();
-        if (const auto accepted = m_accepted.count() > 0 ? m_accepted.one() : std::nullopt)
-            (*accepted)->invalidate();
+        m_proxy.reset();
+        for (const auto& weak : m_made)
+            if (const auto connection = weak.lock())
+                endAndWait(*connection);
+        for (const XPCConnectionPtr& each : m_accepted.first(m_accepted.count()))
+            endAndWait(*each);
+    }
+
+    /// Until nothing of it is handled any more: handlers refer to the test.
+    static void endAndWait(XPCConnection& connection)
+    {
+        Awaited<bool> done;
+        connection.invalidate();
+        dynamic_cast<TransportConnection&>(connection).replyQueue().async([&] { done.tell(true); });
+        EXPECT_TRUE(done.one().has_value());
     }
 
     XPCListener::Acceptor acceptor(XPCInterfacePtr interface)
@@ -73,6 +85,7 @@ protected:
     void connect(bool resumes = true)
     {
         m_connection = m_world.caller().connectionToService(QString::fromLatin1(kService), xpc_options::kNone);
+        m_made.push_back(m_connection);
         m_connection->setRemoteObjectInterface(libraryInterface());
         m_connection->setInvalidationHandler([this] { m_ends.tell(true); });
         if (resumes)
@@ -100,6 +113,7 @@ protected:
     std::shared_ptr<LibraryObject> m_object;
     std::unique_ptr<XPCListener> m_listener;
     XPCConnectionPtr m_connection;
+    std::vector<std::weak_ptr<XPCConnection>> m_made;
     XPCProxyPtr m_proxy;
     Awaited<XPCConnectionPtr> m_accepted;
     Awaited<Error> m_errors;
@@ -214,6 +228,7 @@ TYPED_TEST(Transport, ReachesAListenerByItsEndpoint)
     const auto endpoint = XPCEndpoint::fromValue(this->m_listener->endpoint().asValue());
     ASSERT_TRUE(endpoint.has_value());
     this->m_connection = this->m_world.caller().connectionToEndpoint(*endpoint);
+    this->m_made.push_back(this->m_connection);
     this->m_connection->setRemoteObjectInterface(libraryInterface());
     this->m_connection->resume();
     EXPECT_TRUE(this->barrier());
@@ -233,7 +248,6 @@ TYPED_TEST(Transport, KeepsApartConnectionsToOneService)
     ASSERT_TRUE(this->m_farEnds.one().has_value());
     EXPECT_TRUE(this->barrier());
     EXPECT_EQ(this->m_farEnds.count(), 1U);
-    this->m_accepted.first(2)[1]->invalidate();
 }
 
 TYPED_TEST(Transport, TellsTheUserAtTheOtherEndOnceItIsKnown)
@@ -311,7 +325,6 @@ TYPED_TEST(Transport, LeavesAcceptedConnectionsAloneWhenItsListenerEnds)
     const XPCConnectionPtr first = this->m_connection;
     this->connect();
     EXPECT_FALSE(this->barrier());
-    first->invalidate();
 }
 
 TYPED_TEST(Transport, EndsConnectionsThatAreNotWelcome)
