@@ -36,7 +36,7 @@ public:
             return;
         const std::optional<QVariantList> carried = carriedValues(m_types, values);
         if (carried && m_duty)
-            m_duty->answer(values);
+            m_duty->answer(m_types, values);
         else if (!carried)
             refuseAndRaise();
     }

@@ -3,6 +3,7 @@
 
 #include "messaging/xpc_proxy.h"
 
+#include <QByteArrayList>
 #include <QString>
 
 #include <memory>
@@ -25,8 +26,8 @@ public:
     ReplyDuty(ReplyDuty&&) = delete;
     ReplyDuty& operator=(ReplyDuty&&) = delete;
 
-    /// Of the types that the protocol says. Nothing happens when the sender has gone.
-    virtual void answer(const QVariantList& values) = 0;
+    /// \param types those that the protocol says, which the values fit. Nothing happens when the sender has gone.
+    virtual void answer(const QByteArrayList& types, const QVariantList& values) = 0;
 
     enum class Refusal { UnknownMessage, WrongTypes, NotAnswered };
     /// The sender gets an error.

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "diagnostics/exception.h"
-#include "messaging/xpc_connection.h"
+#include "messaging/bus_transport.h"
 
 #include <atomic>
 
@@ -9,13 +8,19 @@ namespace {
 
 std::atomic<XPCTransport*> s_replaced = nullptr;
 
+/// Never destroyed: its connections may be used until the process goes.
+XPCTransport& theBus()
+{
+    static BusTransport* const s_bus = std::make_unique<BusTransport>().release();
+    return *s_bus;
+}
+
 } // namespace
 
 XPCTransport& XPCTransport::shared()
 {
-    if (XPCTransport* const replaced = s_replaced)
-        return *replaced;
-    HVException::exceptionWithName(exception_name::kBug, QStringLiteral("there is no transport")).raise();
+    XPCTransport* const replaced = s_replaced;
+    return replaced ? *replaced : theBus();
 }
 
 void XPCTransport::setShared(XPCTransport* transport)

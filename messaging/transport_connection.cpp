@@ -44,6 +44,20 @@ void handOver(XPCExportedObject& object,
     });
 }
 
+/// What \p protocol says of a message, when it is declared where the sender thinks it is.
+const ProtocolMessage* declared(const Protocol& protocol, const ArrivedMessage& arrived)
+{
+    const Protocol* declarer = protocol.declarerOf(arrived.keywordName);
+    if (!declarer || (!arrived.protocolName.isEmpty() && declarer->name() != arrived.protocolName))
+        return nullptr;
+    return declarer->messageNamed(arrived.keywordName);
+}
+
+bool hasItsTypes(const ProtocolMessage& message, const ArrivedMessage& arrived)
+{
+    return !arrived.signature || *arrived.signature == message.takes.join();
+}
+
 } // namespace
 
 TransportConnection::TransportConnection()
@@ -250,18 +264,18 @@ void TransportConnection::failLater(const SentMessagePtr& sent, const Error& err
 
 // ---- what the other end sends
 
-void TransportConnection::messageArrived(const QByteArray& keywordName,
-                                         const QVariantList& values,
-                                         std::shared_ptr<ReplyDuty> duty)
+void TransportConnection::messageArrived(ArrivedMessage message)
 {
-    m_queue.async([self = shared_from_this(), keywordName, values, duty = std::move(duty)] {
-        self->handle(keywordName, values, duty);
-    });
+    m_queue.async([self = shared_from_this(), message = std::move(message)] { self->handle(message); });
 }
 
-void TransportConnection::handle(const QByteArray& keywordName,
-                                 const QVariantList& values,
-                                 const std::shared_ptr<ReplyDuty>& duty)
+XPCInterfacePtr TransportConnection::exportedInterface() const
+{
+    const MutexLock guard(m_lock);
+    return m_exportedInterface;
+}
+
+void TransportConnection::handle(const ArrivedMessage& arrived)
 {
     std::shared_ptr<XPCExportedObject> object;
     XPCInterfacePtr interface;
@@ -272,13 +286,14 @@ void TransportConnection::handle(const QByteArray& keywordName,
         object = m_exportedObject;
         interface = m_exportedInterface;
     }
-    const ProtocolMessage* message = object && interface ? interface->protocol().messageNamed(keywordName) : nullptr;
-    const auto carried = message ? carriedValues(message->takes, values) : std::nullopt;
-    if (carried)
-        handOver(*object, *message, *carried, duty);
-    else if (duty)
-        duty->refuse(message ? ReplyDuty::Refusal::WrongTypes : ReplyDuty::Refusal::UnknownMessage,
-                     QStringLiteral("%1 cannot be handled here").arg(QString::fromLatin1(keywordName)));
+    const ProtocolMessage* message = object && interface ? declared(interface->protocol(), arrived) : nullptr;
+    const auto values =
+        message && hasItsTypes(*message, arrived) ? carriedValues(message->takes, arrived.values) : std::nullopt;
+    if (values)
+        handOver(*object, *message, *values, arrived.duty);
+    else if (arrived.duty)
+        arrived.duty->refuse(message ? ReplyDuty::Refusal::WrongTypes : ReplyDuty::Refusal::UnknownMessage,
+                             QStringLiteral("%1 cannot be handled here").arg(QString::fromLatin1(arrived.keywordName)));
 }
 
 // ---- the end

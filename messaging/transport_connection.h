@@ -3,7 +3,7 @@
 
 #include "foundation/error.h"
 #include "foundation/thread_annotations.h"
-#include "messaging/reply_duty.h"
+#include "messaging/arrived_message.h"
 #include "messaging/reply_queue.h"
 #include "messaging/sent_message.h"
 #include "messaging/xpc_connection.h"
@@ -43,8 +43,7 @@ public:
 
     // ---- what the carrier tells; on any thread, in the order in which it came
 
-    /// \param duty null where the sender asked for no answer
-    void messageArrived(const QByteArray& keywordName, const QVariantList& values, std::shared_ptr<ReplyDuty> duty);
+    void messageArrived(ArrivedMessage message);
     void replyArrived(const SentMessagePtr& sent, const QVariantList& values);
     void messageFailed(const SentMessagePtr& sent, const Error& error);
     /// The other end has handled \p count more one-way messages.
@@ -71,6 +70,7 @@ protected:
     void abandon();
     /// For the side that accepts: it is open already, and lives until it has ended, whoever holds it.
     void keepOpen();
+    [[nodiscard]] XPCInterfacePtr exportedInterface() const HAVREL_EXCLUDES(m_lock);
 
 private:
     enum class State { New, Resumed, Opening, Open, Ended };
@@ -82,7 +82,7 @@ private:
     [[nodiscard]] bool isFull() const HAVREL_REQUIRES(m_lock);
     void dispatch(const SentMessagePtr& sent) HAVREL_REQUIRES(m_lock);
     [[nodiscard]] bool take(const SentMessagePtr& sent) HAVREL_EXCLUDES(m_lock);
-    void handle(const QByteArray& keywordName, const QVariantList& values, const std::shared_ptr<ReplyDuty>& duty);
+    void handle(const ArrivedMessage& arrived);
     void handleReply(const SentMessage& sent, const QVariantList& values);
     void failLater(const SentMessagePtr& sent, const Error& error);
     void finish(bool here, const Error& reason);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/bus_calls.h"
 
+#include "platform/bus_trace.h"
+
 #include <algorithm>
 #include <cerrno>
 
@@ -86,6 +88,7 @@ int HeldCall::start(const BusCall& call)
     const int result =
         busLibrary()->sd_bus_call_async(m_loop.bus(), &slot, message.get(), answered, this, microsecondsOf(call.limit));
     m_slot.reset(slot);
+    traceBusMessage(message.get());
     return result < 0 ? -result : 0;
 }
 
@@ -109,6 +112,25 @@ int sendOneWay(BusLoop& loop, const BusCall& call)
         return error;
     (void)busLibrary()->sd_bus_message_set_expect_reply(message.get(), 0);
     const int sent = busLibrary()->sd_bus_send(loop.bus(), message.get(), nullptr);
+    traceBusMessage(message.get());
+    return sent < 0 ? -sent : 0;
+}
+
+int sendSignal(BusLoop& loop, const BusBroadcast& signal)
+{
+    const BusLibrary& library = *busLibrary();
+    if (loop.bus() == nullptr)
+        return ENOTCONN;
+    sd_bus_message* made = nullptr;
+    const int result = library.sd_bus_message_new_signal(
+        loop.bus(), &made, signal.path.constData(), signal.interface.constData(), signal.member.constData());
+    const OwnedBusMessage message(made);
+    if (result < 0)
+        return -result;
+    if (const int error = appendBody(made, signal.body); error != 0)
+        return error;
+    const int sent = library.sd_bus_send(loop.bus(), made, nullptr);
+    traceBusMessage(made);
     return sent < 0 ? -sent : 0;
 }
 

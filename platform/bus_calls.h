@@ -39,6 +39,13 @@ private:
 /// Threads: one thread at a time.
 [[nodiscard]] int sendOneWay(BusLoop& loop, const BusCall& call);
 
+/// Sends \p signal to everybody who listens.
+///
+/// \return 0 or an errno value.
+///
+/// Threads: one thread at a time.
+[[nodiscard]] int sendSignal(BusLoop& loop, const BusBroadcast& signal);
+
 /// A rule by which signals are caught.
 ///
 /// Threads: one thread at a time.

@@ -4,6 +4,7 @@
 #include "platform/bus_calls.h"
 #include "platform/bus_exports.h"
 #include "platform/bus_loop.h"
+#include "platform/held_tree.h"
 
 #include <cerrno>
 #include <future>
@@ -34,6 +35,7 @@ quint64 numberIn(const BusReply& reply)
 
 BusConnection::BusConnection(BusSettings settings)
     : m_limit(settings.limit)
+    , m_kind(settings.kind)
     , m_address(std::move(settings.address))
     , m_loop(std::make_shared<BusLoop>(std::move(settings.disconnected)))
 {
@@ -46,7 +48,7 @@ BusConnection::~BusConnection()
 
 int BusConnection::open()
 {
-    return m_loop->start(m_address, m_limit);
+    return m_loop->start(m_kind, m_address, m_limit);
 }
 
 QByteArray BusConnection::uniqueName() const
@@ -64,6 +66,21 @@ int BusConnection::exportInterface(const QByteArray& path, BusInterface declared
             m_loop->bus(), path, std::make_unique<ExportedInterface>(m_loop, std::move(declared)), slot);
         if (error == 0)
             number = m_loop->hold(std::make_unique<HeldExport>(std::move(slot)));
+    });
+    if (error == 0)
+        registration = BusRegistration(m_loop, number);
+    return error;
+}
+
+int BusConnection::serveTree(BusTree tree, BusRegistration& registration)
+{
+    int error = ENOTCONN;
+    quint64 number = 0;
+    m_loop->run([&] {
+        auto held = std::make_unique<HeldTree>(m_loop, std::move(tree));
+        error = held->serve(m_loop->bus());
+        if (error == 0)
+            number = m_loop->hold(std::move(held));
     });
     if (error == 0)
         registration = BusRegistration(m_loop, number);
@@ -120,6 +137,24 @@ int BusConnection::send(const BusCall& call)
     return error;
 }
 
+void BusConnection::post(const BusCall& call, std::function<void(int error)> failed)
+{
+    BusLoop* loop = m_loop.get();
+    const bool queued = m_loop->post([loop, call, failed] {
+        if (const int error = sendOneWay(*loop, call); error != 0)
+            failed(error);
+    });
+    if (!queued)
+        failed(ENOTCONN);
+}
+
+int BusConnection::broadcast(const BusBroadcast& signal)
+{
+    int error = ENOTCONN;
+    m_loop->run([&] { error = sendSignal(*m_loop, signal); });
+    return error;
+}
+
 int BusConnection::barrier(std::chrono::milliseconds limit)
 {
     return callAndWait({.destination = kBus, .path = kBusPath, .interface = kBus, .member = "GetId", .limit = limit})
@@ -168,6 +203,28 @@ int BusConnection::userOf(const QByteArray& name, uid_t& user)
     if (reply.error == 0)
         user = static_cast<uid_t>(numberIn(reply));
     return reply.error;
+}
+
+int BusConnection::ownerOf(const QByteArray& name, QByteArray& owner)
+{
+    const BusReply reply = askBus("GetNameOwner", {"s", {QString::fromUtf8(name)}});
+    owner = reply.error == 0 ? reply.values.value(0).toString().toUtf8() : QByteArray();
+    return reply.errorName == "org.freedesktop.DBus.Error.NameHasNoOwner" ? 0 : reply.error;
+}
+
+int BusConnection::startService(const QByteArray& name)
+{
+    return callAndWait({.destination = kBus,
+                        .path = kBusPath,
+                        .interface = kBus,
+                        .member = "StartServiceByName",
+                        .body = {"su", {QString::fromUtf8(name), 0U}}})
+        .error;
+}
+
+void BusConnection::close()
+{
+    m_loop->stop();
 }
 
 } // namespace havrel::platform

@@ -4,6 +4,7 @@
 #include "platform/bus_messages.h"
 #include "platform/bus_registration.h"
 #include "platform/bus_request.h"
+#include "platform/bus_tree.h"
 
 #include <QByteArray>
 
@@ -21,7 +22,8 @@ class BusLoop;
 /// How to open a connection.
 struct BusSettings
 {
-    QByteArray address = {};                 ///< "unix:path=/..."; empty: the session's bus
+    QByteArray address = {}; ///< "unix:path=/..."; empty: that of the kind
+    BusKind kind = BusKind::Session;
     std::chrono::milliseconds limit{10'000}; ///< how long the bus may take to greet
     /// Told once, on the event thread, when the bus goes away after it was opened. Not told of the connection's own
     /// end.
@@ -62,6 +64,11 @@ public:
     /// \return 0 or an errno value: EINVAL for names or signatures that are none, EEXIST when it is served already.
     [[nodiscard]] int exportInterface(const QByteArray& path, BusInterface declared, BusRegistration& registration);
 
+    /// Serves \p tree as long as \p registration lives. Waits for the event thread, not for the bus.
+    ///
+    /// \return 0 or an errno value: EINVAL for a prefix that is no path.
+    [[nodiscard]] int serveTree(BusTree tree, BusRegistration& registration);
+
     /// Asks for the well-known \p name and waits for the answer. Does not queue for it. Export first: calls may arrive
     /// before the answer.
     ///
@@ -82,6 +89,13 @@ public:
     ///
     /// \return 0 or an errno value of making it.
     [[nodiscard]] int send(const BusCall& call);
+    /// The same without waiting for anything: \p failed is called on the event thread with the errno value when the
+    /// message cannot be made (at once and on the calling thread when the connection is not open).
+    void post(const BusCall& call, std::function<void(int error)> failed);
+    /// Sends \p signal to everybody who listens. Waits for the event thread, not for the bus.
+    ///
+    /// \return 0 or an errno value of making it.
+    [[nodiscard]] int broadcast(const BusBroadcast& signal);
     /// Waits until the bus has taken everything that was sent before.
     /// \return 0 or an errno value.
     [[nodiscard]] int barrier(std::chrono::milliseconds limit);
@@ -100,8 +114,21 @@ public:
     /// \return 0 or an errno value.
     [[nodiscard]] int userOf(const QByteArray& name, uid_t& user);
 
+    /// Asks the bus who owns \p name, and waits.
+    ///
+    /// \param owner a unique name; empty: nobody
+    /// \return 0 or an errno value.
+    [[nodiscard]] int ownerOf(const QByteArray& name, QByteArray& owner);
+    /// Has the bus start what owns the well-known \p name, and waits until it owns it, without a time limit of ours.
+    ///
+    /// \return 0 or an errno value: nothing starts it, it does not start, ...
+    [[nodiscard]] int startService(const QByteArray& name);
+    /// Ends the connection before its owner does.
+    void close();
+
 private:
     std::chrono::milliseconds m_limit;
+    BusKind m_kind;
     QByteArray m_address;
     std::shared_ptr<BusLoop> m_loop;
 

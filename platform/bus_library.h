@@ -7,6 +7,8 @@ namespace havrel::platform {
 
 // The functions of libsystemd that the bus needs, one a line.
 #define HAVREL_BUS_FUNCTIONS(ENTRY)                                                                                    \
+    ENTRY(sd_bus_add_fallback)                                                                                         \
+    ENTRY(sd_bus_add_filter)                                                                                           \
     ENTRY(sd_bus_add_match_async)                                                                                      \
     ENTRY(sd_bus_add_object_vtable)                                                                                    \
     ENTRY(sd_bus_call_async)                                                                                           \
@@ -21,26 +23,32 @@ namespace havrel::platform {
     ENTRY(sd_bus_message_append_array)                                                                                 \
     ENTRY(sd_bus_message_append_basic)                                                                                 \
     ENTRY(sd_bus_message_close_container)                                                                              \
+    ENTRY(sd_bus_message_dump)                                                                                         \
     ENTRY(sd_bus_message_enter_container)                                                                              \
     ENTRY(sd_bus_message_exit_container)                                                                               \
     ENTRY(sd_bus_message_get_errno)                                                                                    \
     ENTRY(sd_bus_message_get_error)                                                                                    \
+    ENTRY(sd_bus_message_get_expect_reply)                                                                             \
     ENTRY(sd_bus_message_get_interface)                                                                                \
     ENTRY(sd_bus_message_get_member)                                                                                   \
     ENTRY(sd_bus_message_get_path)                                                                                     \
     ENTRY(sd_bus_message_get_sender)                                                                                   \
+    ENTRY(sd_bus_message_get_signature)                                                                                \
     ENTRY(sd_bus_message_new_method_call)                                                                              \
     ENTRY(sd_bus_message_new_method_error)                                                                             \
     ENTRY(sd_bus_message_new_method_return)                                                                            \
+    ENTRY(sd_bus_message_new_signal)                                                                                   \
     ENTRY(sd_bus_message_open_container)                                                                               \
     ENTRY(sd_bus_message_peek_type)                                                                                    \
     ENTRY(sd_bus_message_read_array)                                                                                   \
     ENTRY(sd_bus_message_read_basic)                                                                                   \
     ENTRY(sd_bus_message_ref)                                                                                          \
+    ENTRY(sd_bus_message_rewind)                                                                                       \
     ENTRY(sd_bus_message_set_auto_start)                                                                               \
     ENTRY(sd_bus_message_set_expect_reply)                                                                             \
     ENTRY(sd_bus_message_unref)                                                                                        \
     ENTRY(sd_bus_new)                                                                                                  \
+    ENTRY(sd_bus_open_system)                                                                                          \
     ENTRY(sd_bus_open_user)                                                                                            \
     ENTRY(sd_bus_process)                                                                                              \
     ENTRY(sd_bus_send)                                                                                                 \

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/bus_loop.h"
 
+#include "platform/bus_trace.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -48,7 +50,7 @@ BusLoop::~BusLoop()
     stop();
 }
 
-int BusLoop::start(const QByteArray& address, std::chrono::milliseconds limit)
+int BusLoop::start(BusKind kind, const QByteArray& address, std::chrono::milliseconds limit)
 {
     if (busLibrary() == nullptr)
         return ENOSYS;
@@ -57,7 +59,7 @@ int BusLoop::start(const QByteArray& address, std::chrono::milliseconds limit)
     m_ending = false;
     auto greeting = m_greeting.get_future();
     try {
-        m_thread = std::thread([this, address] { live(address); });
+        m_thread = std::thread([this, kind, address] { live(kind, address); });
     } catch (const std::system_error& error) {
         m_ending = true;
         return error.code().value();
@@ -129,13 +131,14 @@ BusHeld* BusLoop::held(quint64 number) const
     return found == m_held.end() ? nullptr : found->second.get();
 }
 
-void BusLoop::live(const QByteArray& address)
+void BusLoop::live(BusKind kind, const QByteArray& address)
 {
     m_id = std::this_thread::get_id();
     blockSignals();
     ::pthread_setname_np(::pthread_self(), "bus");
-    if (const int error = open(address); error != 0)
+    if (const int error = open(kind, address); error != 0)
         lose(error);
+    startTrace();
     while (!isOver()) {
         runTasks();
         process();
@@ -146,12 +149,12 @@ void BusLoop::live(const QByteArray& address)
     m_id = std::thread::id();
 }
 
-int BusLoop::open(const QByteArray& address)
+int BusLoop::open(BusKind kind, const QByteArray& address)
 {
     const BusLibrary& library = *busLibrary();
     int result = 0;
     if (address.isEmpty()) {
-        result = library.sd_bus_open_user(&m_bus);
+        result = kind == BusKind::System ? library.sd_bus_open_system(&m_bus) : library.sd_bus_open_user(&m_bus);
     } else {
         result = library.sd_bus_new(&m_bus);
         if (result >= 0)
@@ -162,6 +165,16 @@ int BusLoop::open(const QByteArray& address)
             result = library.sd_bus_start(m_bus);
     }
     return result < 0 ? -result : 0;
+}
+
+void BusLoop::startTrace()
+{
+    constexpr sd_bus_message_handler_t kTrace = [](sd_bus_message* message, void*, sd_bus_error*) {
+        traceBusMessage(message);
+        return 0;
+    };
+    if (m_bus != nullptr && tracesBus())
+        (void)busLibrary()->sd_bus_add_filter(m_bus, nullptr, kTrace, nullptr);
 }
 
 bool BusLoop::isOver()

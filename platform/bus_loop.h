@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/bus_library.h"
+#include "platform/bus_messages.h"
 #include "platform/owned_descriptor.h"
 
 #include <QByteArray>
@@ -63,9 +64,9 @@ public:
     BusLoop& operator=(BusLoop&&) = delete;
 
     /// Starts the thread and waits until the bus has greeted. Called once.
-    /// \param address empty: the session's
+    /// \param address empty: that of \p kind
     /// \return 0 or an errno value
-    [[nodiscard]] int start(const QByteArray& address, std::chrono::milliseconds limit);
+    [[nodiscard]] int start(BusKind kind, const QByteArray& address, std::chrono::milliseconds limit);
     /// Runs what is queued, and ends the thread. Not on the event thread.
     void stop();
 
@@ -91,8 +92,9 @@ public:
 private:
     enum class State { Opening, Open, Lost };
 
-    void live(const QByteArray& address);
-    [[nodiscard]] int open(const QByteArray& address);
+    void live(BusKind kind, const QByteArray& address);
+    [[nodiscard]] int open(BusKind kind, const QByteArray& address);
+    void startTrace();
     void runTasks();
     void process();
     void greet();

@@ -11,6 +11,9 @@
 
 namespace havrel::platform {
 
+/// The bus of the user's session, or that of the whole machine.
+enum class BusKind { Session, System };
+
 /// A call of a method of an object elsewhere.
 struct BusCall
 {
@@ -42,6 +45,15 @@ struct BusSignal
     QByteArray interface;
     QByteArray member;
     QVariantList values; ///< of the types that the sender chose: look before use
+};
+
+/// A signal for everybody who listens.
+struct BusBroadcast
+{
+    QByteArray path;
+    QByteArray interface;
+    QByteArray member;
+    BusBody body = {};
 };
 
 using BusSignalHandler = std::function<void(const BusSignal& signal)>;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/bus_request.h"
 
-#include "platform/bus_body.h"
+#include "platform/bus_answers.h"
 #include "platform/bus_exports.h"
 #include "platform/bus_loop.h"
 
@@ -10,34 +10,6 @@
 
 namespace havrel::platform {
 namespace {
-
-/// Sends \p answer, which \p made tells to have been made, with \p body.
-int sendAnswer(const BusLoop& loop, int made, sd_bus_message* answer, const BusBody& body)
-{
-    const OwnedBusMessage owned(answer);
-    if (made < 0)
-        return -made;
-    if (const int error = appendBody(answer, body); error != 0)
-        return error;
-    const int sent = busLibrary()->sd_bus_send(loop.bus(), answer, nullptr);
-    return sent < 0 ? -sent : 0;
-}
-
-int sendReply(const BusLoop& loop, sd_bus_message* call, const BusBody& body)
-{
-    sd_bus_message* answer = nullptr;
-    const int made = busLibrary()->sd_bus_message_new_method_return(call, &answer);
-    return sendAnswer(loop, made, answer, body);
-}
-
-int sendError(const BusLoop& loop, sd_bus_message* call, const QByteArray& name, const QString& text)
-{
-    const QByteArray bytes = text.toUtf8();
-    const sd_bus_error error{.name = name.constData(), .message = bytes.constData(), ._need_free = 0};
-    sd_bus_message* answer = nullptr;
-    const int made = busLibrary()->sd_bus_message_new_method_error(call, &answer, &error);
-    return sendAnswer(loop, made, answer, {});
-}
 
 /// Lets \p send answer the call that is held as \p number, which is then held no more.
 template<typename Send>

@@ -6,6 +6,7 @@
 #include "messaging/xpc_connection.h"
 #include "messaging/xpc_endpoint.h"
 #include "messaging/xpc_error.h"
+#include "tests/messaging/bus_world.h"
 #include "tests/messaging/in_process_world.h"
 #include "tests/messaging/library_object.h"
 #include "tests/support/awaited.h"
@@ -25,9 +26,11 @@ namespace havrel {
 namespace {
 
 using tests::Awaited;
+using tests::BusWorld;
 using tests::InProcessWorld;
 using tests::libraryInterface;
 using tests::LibraryObject;
+using tests::OneProcessBusWorld;
 
 constexpr const char* kService = "com.havrel.library.1000";
 
@@ -121,7 +124,7 @@ protected:
     Awaited<bool> m_farEnds;
 };
 
-using Worlds = ::testing::Types<InProcessWorld>;
+using Worlds = ::testing::Types<InProcessWorld, BusWorld, OneProcessBusWorld>;
 TYPED_TEST_SUITE(Transport, Worlds);
 
 TYPED_TEST(Transport, CarriesAMessageAndItsReply)

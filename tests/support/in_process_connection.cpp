@@ -23,7 +23,7 @@ public:
     {
     }
 
-    void answer(const QVariantList& values) override
+    void answer(const QByteArrayList&, const QVariantList& values) override
     {
         if (const auto caller = m_caller.lock(); caller && !m_isLost)
             caller->replyArrived(m_sent, values);
@@ -108,9 +108,12 @@ void InProcessConnection::carry(const SentMessagePtr& sent)
     if (fault == Fault::DeathBefore)
         return endOther();
     const bool isLost = fault.has_value();
-    other->messageArrived(sent->message->keywordName,
-                          sent->values,
-                          sent->reply ? std::make_shared<InProcessDuty>(shared_from_this(), sent, isLost) : nullptr);
+    other->messageArrived(
+        {.keywordName = sent->message->keywordName,
+         .values = sent->values,
+         .duty = sent->reply ? std::make_shared<InProcessDuty>(shared_from_this(), sent, isLost) : nullptr,
+         .protocolName = sent->declarer->name(),
+         .signature = sent->message->takes.join()});
     if (fault == Fault::DeathAfterwards)
         endOther();
 }
