@@ -6,6 +6,7 @@
 #include "messaging/protocols.h"
 #include "messaging/xpc_connection.h"
 #include "messaging/xpc_endpoint.h"
+#include "tests/support/awaited.h"
 
 #include <QStringList>
 
@@ -39,6 +40,8 @@ public:
     }
     [[nodiscard]] XPCEndpoint endpoint() const { return m_listener->endpoint(); }
 
+    /// Waits until it has handled that many barriers, ever.
+    [[nodiscard]] bool hasHandledBarriers(std::size_t count) { return m_barriers.first(count).size() >= count; }
     /// The messages but for barriers, as "setUser: (1000)".
     [[nodiscard]] QStringList told() const
     {
@@ -68,6 +71,8 @@ public:
         }
         if (message.reply)
             message.reply(answerTo(message, values));
+        if (message.keywordName == "barrierWithCompletion:")
+            m_barriers.tell(true);
     }
 
 protected:
@@ -97,6 +102,7 @@ protected:
 
 private:
     std::unique_ptr<XPCListener> m_listener;
+    Awaited<bool> m_barriers;
     mutable Mutex m_lock;
     std::map<QByteArray, QVariantList> m_answers HAVREL_GUARDED_BY(m_lock);
     QStringList m_told HAVREL_GUARDED_BY(m_lock);
