@@ -13,6 +13,8 @@
 #include <QShortcut>
 #include <QSignalBlocker>
 
+#include <utility>
+
 #include <ui_CapturePreferencesWindow.h>
 
 namespace havrel {
@@ -144,11 +146,25 @@ void CapturePreferencesWindow::alignTexts()
 void CapturePreferencesWindow::showItems(const LoadedItems& loaded)
 {
     const QString name = item_texts::name(loaded);
-    m_ui->itemIconImage->setPixmap(iconForItems(loaded).pixmap(QSize(kIconSize, kIconSize), devicePixelRatioF()));
+    m_iconToShow = iconForItems(loaded);
+    update();
     m_ui->itemNameField->setText(name);
     m_ui->itemPlaceField->setText(item_texts::place(loaded));
     m_ui->patternsTitleField->setText(item_texts::patternsTitle(loaded));
     setWindowTitle(tr("Capture Preferences of %1").arg(name));
+}
+
+void CapturePreferencesWindow::paintEvent(QPaintEvent* event)
+{
+    QWidget::paintEvent(event);
+    if (m_iconToShow)
+        QMetaObject::invokeMethod(this, &CapturePreferencesWindow::showIcon, Qt::QueuedConnection);
+}
+
+void CapturePreferencesWindow::showIcon()
+{
+    if (const auto icon = std::exchange(m_iconToShow, {}))
+        m_ui->itemIconImage->setPixmap(icon().pixmap(QSize(kIconSize, kIconSize), devicePixelRatioF()));
 }
 
 void CapturePreferencesWindow::showState(const CapturePreferencesViewState& state)

@@ -3,6 +3,7 @@
 
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 
 namespace Ui {
@@ -53,6 +54,7 @@ Q_SIGNALS:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;  ///< the first one has the icon looked up after it
     void keyPressEvent(QKeyEvent* event) override; ///< Escape, when no control wants it, closes
 
 private:
@@ -62,12 +64,14 @@ private:
     void addShortcuts();
     void emphasizeName();
     void alignTexts();
+    void showIcon();
     void showIgnoring(const CapturePreferencesViewState& state);
     void showScraping(const CapturePreferencesViewState& state);
 
     std::unique_ptr<Ui::CapturePreferencesWindow> m_ui;
     QButtonGroup* m_optionButtons;
     QButtonGroup* m_scrapeButtons;
+    std::function<QIcon()> m_iconToShow; ///< empty once it is shown
 };
 
 } // namespace havrel

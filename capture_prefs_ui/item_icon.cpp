@@ -14,8 +14,8 @@ namespace {
 QIcon themeIcon(const QStringList& names, QStyle::StandardPixmap otherwise)
 {
     for (const QString& each : names)
-        if (QIcon::hasThemeIcon(each))
-            return QIcon::fromTheme(each);
+        if (QIcon icon = QIcon::fromTheme(each); !icon.isNull())
+            return icon;
     return QApplication::style()->standardIcon(otherwise);
 }
 
@@ -31,17 +31,22 @@ QIcon fileIcon(const JNPath& path)
     return themeIcon({type.iconName(), type.genericIconName(), QStringLiteral("text-x-generic")}, QStyle::SP_FileIcon);
 }
 
-} // namespace
-
-QIcon iconForItems(const LoadedItems& loaded)
+QIcon severalIcon()
 {
-    if (loaded.allContainers)
-        return folderIcon();
-    if (loaded.items.size() == 1)
-        return fileIcon(*loaded.paths.front());
     return themeIcon(
         {QStringLiteral("document-multiple"), QStringLiteral("edit-copy"), QStringLiteral("text-x-generic")},
         QStyle::SP_FileIcon);
+}
+
+} // namespace
+
+std::function<QIcon()> iconForItems(const LoadedItems& loaded)
+{
+    if (loaded.allContainers)
+        return folderIcon;
+    if (loaded.items.size() == 1)
+        return [path = loaded.paths.front()] { return fileIcon(*path); };
+    return severalIcon;
 }
 
 } // namespace havrel

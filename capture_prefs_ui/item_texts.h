@@ -4,6 +4,8 @@
 #include <QList>
 #include <QString>
 
+#include <functional>
+
 class QIcon;
 
 namespace havrel {
@@ -37,9 +39,10 @@ namespace item_texts {
 
 } // namespace item_texts
 
-/// The desktop's icon for one item, by its name; that of its kind for several of one kind, else one for several.
+/// Looks up the desktop's icon for one item, by its name; that of its kind for several of one kind, else one for
+/// several. To be called when there is time: to look through the themes takes as long as to make the window.
 ///
 /// Threads: the main thread only.
-[[nodiscard]] QIcon iconForItems(const LoadedItems& loaded);
+[[nodiscard]] std::function<QIcon()> iconForItems(const LoadedItems& loaded);
 
 } // namespace havrel

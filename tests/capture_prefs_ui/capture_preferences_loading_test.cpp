@@ -10,6 +10,7 @@
 #include <QCoreApplication>
 #include <QLabel>
 #include <QProgressDialog>
+#include <QTest>
 #include <QTimer>
 
 #include <sys/stat.h>
@@ -45,7 +46,17 @@ TEST_F(CapturePreferencesLoading, NamesOneItemAndItsFolder)
     ASSERT_TRUE(m_controller.prepareWithItems(urlsOf({"Documents/Projects"})));
     EXPECT_EQ(label("itemNameField"), QStringLiteral("Projects"));
     EXPECT_EQ(label("itemPlaceField"), QStringLiteral("in ~/Documents"));
-    EXPECT_FALSE(control<QLabel>("itemIconImage").pixmap().isNull());
+}
+
+TEST_F(CapturePreferencesLoading, LooksForTheIconOnceTheWindowIsPainted)
+{
+    m_tree.add("Projects/");
+    ASSERT_TRUE(m_controller.prepareWithItems(urlsOf({"Projects"})));
+    const auto& icon = control<QLabel>("itemIconImage");
+    EXPECT_TRUE(icon.pixmap().isNull());
+    m_controller.showWindow();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !icon.pixmap().isNull(); }));
+    EXPECT_EQ(icon.pixmap().deviceIndependentSize().toSize(), icon.size());
 }
 
 TEST_F(CapturePreferencesLoading, CountsSeveralItems)
