@@ -23,6 +23,13 @@ void Items::define(Command& command, const char* placeholder, const char* help)
     command.value("--items-from", "FILE", m_from, "Further items, separated by NUL, from FILE; - is standard input");
 }
 
+QByteArray Items::takeFirst(const char* what)
+{
+    if (m_operands.isEmpty())
+        throw WrongUsage(QByteArray("no ") + what + " given");
+    return m_operands.takeFirst();
+}
+
 void Items::forEach(Report& report, const std::function<void(const QByteArray& path)>& act) const
 {
     if (m_operands.isEmpty() && !m_from)

@@ -28,6 +28,8 @@ public:
     ///
     /// \throws WrongUsage when nothing was given.
     void forEach(Report& report, const std::function<void(const QByteArray& path)>& act) const;
+    /// Takes the first operand away from the items, and answers it. \throws WrongUsage "no <what> given".
+    [[nodiscard]] QByteArray takeFirst(const char* what);
     /// Whether the items come from standard input.
     [[nodiscard]] bool readStandardInput() const { return m_from == "-"; }
 

@@ -15,6 +15,7 @@ namespace havrel::cli {
 namespace {
 
 constexpr auto kGroups = std::to_array<SubcommandGroup>({
+    {"archive", "Archives, which hold what was captured"},
     {"captureprefs", "Capture preferences of files and folders"},
     {"pattern", "Exclusion patterns"},
     {"log", "Lines of the log"},
@@ -23,6 +24,11 @@ constexpr auto kGroups = std::to_array<SubcommandGroup>({
 constexpr auto kSubcommands = std::to_array<Subcommand>({
     {"", "capture", "Capture items into an archive that you choose", defineCapture},
     {"", "reveal", "Show items in an archive that you choose", defineReveal},
+    {"archive", "create", "Make an archive, and the repository that keeps it", defineArchiveCreate},
+    {"archive", "list", "List the archives that you have made or captured to", defineArchiveList},
+    {"archive", "info", "Show what an archive is and what was captured into it", defineArchiveInfo},
+    {"archive", "items", "List the items of a capture", defineArchiveItems},
+    {"archive", "restore", "Bring items back from an archive", defineArchiveRestore},
     {"captureprefs", "show", "Show the preferences of items", defineCaptureprefsShow},
     {"captureprefs", "set", "Change the preferences of items", defineCaptureprefsSet},
     {"captureprefs", "clear", "Remove the preferences of items", defineCaptureprefsClear},

@@ -8,6 +8,11 @@ class Command;
 // One source a subcommand, named after it; those that ask the service stand together in service_requests.cpp. Each
 // tells its options, its help, and what it does.
 
+void defineArchiveCreate(Command& command);
+void defineArchiveInfo(Command& command);
+void defineArchiveItems(Command& command);
+void defineArchiveList(Command& command);
+void defineArchiveRestore(Command& command);
 void defineCapture(Command& command);
 void defineCaptureprefsClear(Command& command);
 void defineCaptureprefsEdit(Command& command);

@@ -7,13 +7,13 @@
 #include <QByteArray>
 #include <QByteArrayList>
 #include <QDateTime>
+#include <QHash>
 #include <QList>
 #include <QString>
 #include <QStringList>
 
 #include <functional>
 #include <memory>
-#include <optional>
 
 namespace havrel {
 
@@ -107,8 +107,8 @@ public:
     /// and for what is directly in them, without an error for one that is not there.
     virtual void listItems(const QString& capture, const QByteArrayList& folders, const CapturedItemBlock& block) = 0;
 
-    /// The newest capture that holds \p item; none when there is none.
-    [[nodiscard]] virtual std::optional<CaptureRecord> newestHolding(const QByteArray& item) = 0;
+    /// The newest capture that holds each item, by item; nothing for an item that none holds.
+    [[nodiscard]] virtual QHash<QByteArray, CaptureRecord> newestHolding(const QByteArrayList& items) = 0;
 
     /// Brings items of a capture back into \p folder, which is made when it is missing: each under its own name, whole
     /// or not at all, and never over what has that name. An item that lies in another of \p items comes with that one.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "components/item_names.h"
 
+#include "fs/path_text.h"
+
 #include <QSet>
 
 namespace havrel {
@@ -18,14 +20,7 @@ bool hasAncestorIn(const QSet<QByteArray>& items, const QByteArray& path)
 
 QByteArray plainPath(const QByteArray& path, const QByteArray& workingFolder)
 {
-    QByteArrayList names;
-    for (const QByteArray& each : (path.startsWith('/') ? path : workingFolder + '/' + path).split('/')) {
-        if (each == ".." && !names.isEmpty())
-            names.removeLast();
-        else if (!each.isEmpty() && each != "." && each != "..")
-            names.append(each);
-    }
-    return '/' + names.join('/');
+    return path_text::standardised(path.startsWith('/') ? path : path_text::joined(workingFolder, path));
 }
 
 bool isAtOrBelow(const QByteArray& path, const QByteArray& item)

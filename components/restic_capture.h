@@ -6,6 +6,8 @@
 
 #include <QSet>
 
+#include <optional>
+
 namespace havrel::restic {
 
 /// One capture by the engine's program.

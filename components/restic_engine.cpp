@@ -56,25 +56,37 @@ void ResticEngine::listItems(const QString& capture, const QByteArrayList& folde
     restic::listItems(m_program, {capture, folders}, block);
 }
 
-bool ResticEngine::holds(const CaptureRecord& capture, const QByteArray& item)
+/// Those of \p items that a capture holds. The engine is asked only about what lies within a captured item.
+QByteArrayList ResticEngine::heldBy(const CaptureRecord& capture, const QByteArrayList& items)
 {
-    const bool isItself = capture.items.contains(item);
-    const bool isCovered = std::any_of(capture.items.begin(), capture.items.end(), [&item](const QByteArray& each) {
-        return isAtOrBelow(item, each);
-    });
-    if (isItself || !isCovered)
-        return isItself;
-    bool found = false;
-    listItems(capture.id, {item}, [&](const CapturedItem& each) { found = found || each.path == item; });
-    return found;
+    QByteArrayList held;
+    QByteArrayList asked;
+    for (const QByteArray& item : items) {
+        const auto covers = [&item](const QByteArray& captured) { return isAtOrBelow(item, captured); };
+        if (capture.items.contains(item))
+            held.append(item);
+        else if (std::any_of(capture.items.begin(), capture.items.end(), covers))
+            asked.append(item);
+    }
+    if (!asked.isEmpty())
+        listItems(capture.id, asked, [&](const CapturedItem& each) {
+            if (asked.contains(each.path))
+                held.append(each.path);
+        });
+    return held;
 }
 
-std::optional<CaptureRecord> ResticEngine::newestHolding(const QByteArray& item)
+QHash<QByteArray, CaptureRecord> ResticEngine::newestHolding(const QByteArrayList& items)
 {
+    QHash<QByteArray, CaptureRecord> found;
+    QByteArrayList sought = items;
     const QList<CaptureRecord> all = captures();
-    const auto newest =
-        std::find_if(all.rbegin(), all.rend(), [&](const CaptureRecord& each) { return holds(each, item); });
-    return newest == all.rend() ? std::nullopt : std::optional(*newest);
+    for (auto capture = all.rbegin(); capture != all.rend() && !sought.isEmpty(); ++capture)
+        for (const QByteArray& each : heldBy(*capture, sought)) {
+            found.insert(each, *capture);
+            sought.removeAll(each);
+        }
+    return found;
 }
 
 QList<EngineProblem>

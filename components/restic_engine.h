@@ -28,13 +28,13 @@ public:
     CaptureSummary capture(const QByteArrayList& items, const EngineProgressBlock& progress) override;
     [[nodiscard]] QList<CaptureRecord> captures() override;
     void listItems(const QString& capture, const QByteArrayList& folders, const CapturedItemBlock& block) override;
-    [[nodiscard]] std::optional<CaptureRecord> newestHolding(const QByteArray& item) override;
+    [[nodiscard]] QHash<QByteArray, CaptureRecord> newestHolding(const QByteArrayList& items) override;
     [[nodiscard]] QList<EngineProblem>
     restore(const CaptureRecord& capture, const QByteArrayList& items, const QByteArray& folder) override;
 
 private:
     [[nodiscard]] QList<restic::StoredCapture> storedCaptures() const;
-    [[nodiscard]] bool holds(const CaptureRecord& capture, const QByteArray& item);
+    [[nodiscard]] QByteArrayList heldBy(const CaptureRecord& capture, const QByteArrayList& items);
 
     restic::Program m_program;
     bool m_hasKeyCommand;

@@ -5,6 +5,8 @@
 
 #include <QHash>
 
+#include <optional>
+
 // What the engine restic writes, line by line. Whatever the bytes, nothing here raises.
 //
 // \source restic 0.14, tried; restic's manual, "Scripting", for what later versions add

@@ -189,7 +189,7 @@ TEST_F(ResticEngine, TellsHowFarItIs)
     EXPECT_TRUE(m_engine->captures().constLast().id.startsWith(summary.capture));
 }
 
-TEST_F(ResticEngine, FindsTheNewestCaptureThatHoldsAnItem)
+TEST_F(ResticEngine, FindsTheNewestCapturesThatHoldItems)
 {
     file("items/one", "1");
     capture({m_items});
@@ -200,11 +200,12 @@ TEST_F(ResticEngine, FindsTheNewestCaptureThatHoldsAnItem)
     const QList<CaptureRecord> captures = m_engine->captures();
     ASSERT_EQ(captures.size(), 3);
 
-    EXPECT_EQ(m_engine->newestHolding(m_items + "/one")->id, captures[0].id);
-    EXPECT_EQ(m_engine->newestHolding(m_items + "/two")->id, captures[2].id);
-    EXPECT_EQ(m_engine->newestHolding(m_items)->id, captures[2].id);
-    EXPECT_FALSE(m_engine->newestHolding(m_items + "/never").has_value());
-    EXPECT_FALSE(m_engine->newestHolding("/elsewhere").has_value());
+    const QHash<QByteArray, CaptureRecord> newest =
+        m_engine->newestHolding({m_items + "/one", m_items + "/two", m_items, m_items + "/never", "/elsewhere"});
+    EXPECT_EQ(newest.size(), 3);
+    EXPECT_EQ(newest.value(m_items + "/one").id, captures[0].id);
+    EXPECT_EQ(newest.value(m_items + "/two").id, captures[2].id);
+    EXPECT_EQ(newest.value(m_items).id, captures[2].id);
 }
 
 TEST_F(ResticEngine, NeverRestoresOverAnything)

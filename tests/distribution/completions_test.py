@@ -23,6 +23,9 @@ COMPLETIONS = pathlib.Path(__file__).resolve().parents[2] / "resources/completio
 TABLE = [
     ("havrel pat", "havrel pattern"),
     ("havrel rev", "havrel reveal"),
+    ("havrel arc", "havrel archive"),
+    ("havrel archive res", "havrel archive restore"),
+    ("havrel archive create --rep", "havrel archive create --repository"),
     ("havrel captur", "havrel capture"),
     ("havrel capture --items", "havrel capture --items-from"),
     ("havrel reveal a-fi", "havrel reveal a-file"),
