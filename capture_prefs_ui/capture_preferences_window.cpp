@@ -3,6 +3,7 @@
 
 #include "capture_prefs_ui/calm_wheel.h"
 #include "capture_prefs_ui/capture_preferences_view_state.h"
+#include "capture_prefs_ui/item_icon.h"
 #include "capture_prefs_ui/item_texts.h"
 #include "capture_prefs_ui/leading_text.h"
 #include "capture_prefs_ui/table_view.h"

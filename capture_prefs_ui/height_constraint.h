@@ -4,6 +4,9 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <functional>
+#include <utility>
+
 namespace havrel {
 
 /// Holds a widget at a height, in device-independent pixels.
@@ -13,7 +16,15 @@ class HeightConstraint
 {
 public:
     explicit HeightConstraint(QWidget& item)
-        : m_item(&item)
+        : HeightConstraint([held = QPointer(&item)](int height) {
+            if (held)
+                held->setFixedHeight(height);
+        })
+    {
+    }
+    /// \param hold makes something as high as its place allows, up to the height.
+    explicit HeightConstraint(std::function<void(int height)> hold)
+        : m_hold(std::move(hold))
     {
     }
 
@@ -21,12 +32,11 @@ public:
     void setConstant(int constant)                                     ///< \selector setConstant:
     {
         m_constant = constant;
-        if (m_item)
-            m_item->setFixedHeight(constant);
+        m_hold(constant);
     }
 
 private:
-    QPointer<QWidget> m_item;
+    std::function<void(int height)> m_hold;
     int m_constant = 0;
 };
 

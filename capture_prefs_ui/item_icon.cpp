@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "capture_prefs_ui/item_texts.h"
+#include "capture_prefs_ui/item_icon.h"
+
 #include "capture_prefs_ui/loaded_items.h"
+#include "fs/item_resources.h"
 #include "fs/path.h"
 
 #include <QApplication>
@@ -24,9 +26,18 @@ QIcon folderIcon()
     return themeIcon({QStringLiteral("folder"), QStringLiteral("inode-directory")}, QStyle::SP_DirIcon);
 }
 
+/// What the product's archives look like where no package of the desktop's tells.
+QIcon archiveIcon()
+{
+    return themeIcon({QStringLiteral("application-x-zephra"), QStringLiteral("package-x-generic")},
+                     QStyle::SP_DriveHDIcon);
+}
+
 /// By the name alone: looking into a file could block, and would read it.
 QIcon fileIcon(const JNPath& path)
 {
+    if (path.extension() == QLatin1StringView("zephra"))
+        return archiveIcon();
     const QMimeType type = QMimeDatabase().mimeTypeForFile(path.name(), QMimeDatabase::MatchExtension);
     return themeIcon({type.iconName(), type.genericIconName(), QStringLiteral("text-x-generic")}, QStyle::SP_FileIcon);
 }
@@ -47,6 +58,11 @@ std::function<QIcon()> iconForItems(const LoadedItems& loaded)
     if (loaded.items.size() == 1)
         return [path = loaded.paths.front()] { return fileIcon(*path); };
     return severalIcon;
+}
+
+QIcon iconForItem(const JNPath& path)
+{
+    return itemResources(path).isContainer() ? folderIcon() : fileIcon(path);
 }
 
 } // namespace havrel

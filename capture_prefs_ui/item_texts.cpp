@@ -21,14 +21,6 @@ struct Texts
     Q_DECLARE_TR_FUNCTIONS(CapturePreferences)
 };
 
-QString withHomeShortened(const QString& path)
-{
-    const QString home = QDir::homePath();
-    if (path == home)
-        return QStringLiteral("~");
-    return home != QLatin1StringView("/") && path.startsWith(home + u'/') ? u'~' + path.mid(home.size()) : path;
-}
-
 QString folders(qsizetype count)
 {
     return count == 1 ? Texts::tr("1 folder") : Texts::tr("%1 folders").arg(count);
@@ -78,6 +70,14 @@ QString reasonsFor(const QList<RefusedItem>& refused)
 }
 
 } // namespace
+
+QString withHomeShortened(const QString& path)
+{
+    const QString home = QDir::homePath();
+    if (path == home)
+        return QStringLiteral("~");
+    return home != QLatin1StringView("/") && path.startsWith(home + u'/') ? u'~' + path.mid(home.size()) : path;
+}
 
 QString name(const LoadedItems& loaded)
 {

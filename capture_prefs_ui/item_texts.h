@@ -4,10 +4,6 @@
 #include <QList>
 #include <QString>
 
-#include <functional>
-
-class QIcon;
-
 namespace havrel {
 
 class JNPath;
@@ -26,6 +22,8 @@ namespace item_texts {
 [[nodiscard]] QString name(const LoadedItems& loaded);
 /// Below it: "in ~/Documents" for one item, "3 folders, 2 files" for several; packages count as files.
 [[nodiscard]] QString place(const LoadedItems& loaded);
+/// A path with "~" for the user's home folder.
+[[nodiscard]] QString withHomeShortened(const QString& path);
 /// What stands over the patterns.
 [[nodiscard]] QString patternsTitle(const LoadedItems& loaded);
 
@@ -38,11 +36,4 @@ namespace item_texts {
 [[nodiscard]] Alert writeAlert(const JNPath& path, const QString& reason);
 
 } // namespace item_texts
-
-/// Looks up the desktop's icon for one item, by its name; that of its kind for several of one kind, else one for
-/// several. To be called when there is time: to look through the themes takes as long as to make the window.
-///
-/// Threads: the main thread only.
-[[nodiscard]] std::function<QIcon()> iconForItems(const LoadedItems& loaded);
-
 } // namespace havrel

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "capture_prefs_ui/table_view.h"
 
+#include "capture_prefs_ui/plain_tool_tip.h"
 #include "capture_prefs_ui/table_cell_view.h"
 #include "capture_prefs_ui/table_drop_indicator.h"
 #include "capture_prefs_ui/table_view_accessibility.h"
@@ -19,12 +20,6 @@ namespace {
 
 constexpr int kIntercellSpacing = 2; // pixels
 constexpr qsizetype kRowsAround = 2; // out of sight at either end that have widgets, so that Tab finds them
-
-/// What a tool tip, which takes for rich text what looks like it, shows as the very text; nothing for nothing.
-QString asIs(const QString& text)
-{
-    return text.isEmpty() ? QString() : QStringLiteral("<p style='white-space:pre'>%1</p>").arg(text.toHtmlEscaped());
-}
 
 } // namespace
 
@@ -282,7 +277,7 @@ bool TableView::viewportEvent(QEvent* event)
     const auto& help = static_cast<const QHelpEvent&>(*event);
     const qsizetype row = rowAt(help.pos().y());
     const QString text = row < 0 ? QString() : m_delegate->tableViewToolTip(*this, row);
-    QToolTip::showText(help.globalPos(), asIs(text), viewport(), rowRect(row));
+    QToolTip::showText(help.globalPos(), plainToolTip(text), viewport(), rowRect(row));
     return true;
 }
 
