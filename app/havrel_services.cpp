@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "app/havrel_services.h"
 
-#include "app/archive_access.h"
-#include "app/archive_picker.h"
+#include "app/archive_picker_pane_controller.h"
 #include "app/pasteboard_items.h"
 #include "app/service_application_delegate.h"
-#include "capture_prefs_ui/alert.h"
 #include "capture_prefs_ui/capture_preferences_controller.h"
 #include "diagnostics/logr.h"
 #include "foundation/array_additions.h"
 #include "foundation/error.h"
 #include "fs/path.h"
+#include "messaging/connection.h"
+#include "messaging/scheduler_proxy.h"
 #include "platform/applications.h"
 
 #include <functional>
@@ -126,27 +126,12 @@ void HavrelServices::setCapturePreferences(const Pasteboard& pasteboard)
 
 void HavrelServices::pickArchive(const QList<QUrl>& urls, const Picking& picking)
 {
-    if (!archiveAccess().makePickerPane) {
-        tellThereIsNoPicker();
-        return;
-    }
-    const std::shared_ptr<ArchivePicker> picker = archiveAccess().makePickerPane();
+    const std::shared_ptr<ArchivePickerPaneController> picker = ArchivePickerPaneController::makePickerPane();
     const QByteArrayList paths = pathArrayForURLs(urls);
     picker->setPrompt(picking.prompt);
     picker->setActionTitle(picking.actionTitle);
     picker->setActionBlock([paths, action = picking.action](const QUrl& archive) { action(paths, archive); });
     picker->runWithArchivesForItems(paths);
-}
-
-void HavrelServices::tellThereIsNoPicker()
-{
-    Logr::log(LogClassification::Caution,
-              QStringLiteral("Archives cannot be chosen on this installation yet; service performed no action"));
-    const int answer = m_appDelegate->alerts().runModal(
-        {.style = AlertStyle::Informational,
-         .messageText = tr("Archives cannot be chosen on this installation yet."),
-         .informativeText = tr("The part of Havrel that knows the archives is not installed. Nothing was done.")});
-    static_cast<void>(answer); // there is one button
 }
 
 void HavrelServices::openInClient(const QByteArrayList& itemPaths, const QUrl& archive)
@@ -161,8 +146,11 @@ void HavrelServices::openInClient(const QByteArrayList& itemPaths, const QUrl& a
 void HavrelServices::capture(const QByteArrayList& itemPaths, const QUrl& archive)
 {
     const JNPathPtr path = JNPath::pathWithURL(archive);
-    const auto& quickCapture = archiveAccess().quickCapture;
-    if (!path || !quickCapture || !quickCapture(itemPaths, path->cPath()))
+    const HVConnectionPtr scheduler = m_appDelegate->schedulerConnection();
+    const auto send = [&itemPaths, &path](const XPCProxyPtr& proxy) {
+        SchedulerProxy(proxy).quickCapture(itemPaths, path->cPath());
+    };
+    if (!path || !scheduler || !scheduler->performSynchronousBlock(send))
         m_appDelegate->noSchedulerAlert();
 }
 

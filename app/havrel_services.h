@@ -57,7 +57,6 @@ private:
 
     [[nodiscard]] QList<QUrl> opened(const Pasteboard& pasteboard);
     void pickArchive(const QList<QUrl>& urls, const Picking& picking);
-    void tellThereIsNoPicker();
     void openInClient(const QByteArrayList& itemPaths, const QUrl& archive);
     void capture(const QByteArrayList& itemPaths, const QUrl& archive);
 

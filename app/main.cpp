@@ -7,6 +7,8 @@
 #include "foundation/main_queue_wall.h"
 #include "foundation/process.h"
 #include "foundation/service_address.h"
+#include "messaging/connection.h"
+#include "messaging/published_connection.h"
 #include "platform/fonts_reading.h"
 #include "platform/termination_signals.h"
 
@@ -45,7 +47,10 @@ int served(int argc, char** argv, const ServiceOptions& options)
     watch.reset();
     VisibleIndicators::install();
     QGuiApplication::setDesktopFileName(QString::fromLatin1(service_address::kBusName));
-    return ServiceProgram(options.idleInterval, signals).run();
+    return ServiceProgram(options.idleInterval,
+                          signals,
+                          {.monitor = HVConnection::monitorConnection, .scheduler = HVConnection::schedulerConnection})
+        .run();
 }
 
 /// What leaves main is logged and ends here.

@@ -115,6 +115,16 @@ void ServiceApplicationDelegate::noMonitorAlert()
     connectionAlertForService(QStringLiteral("monitor"));
 }
 
+std::shared_ptr<HVConnection> ServiceApplicationDelegate::monitorConnection() const
+{
+    return m_surroundings.components.monitor ? m_surroundings.components.monitor() : nullptr;
+}
+
+std::shared_ptr<HVConnection> ServiceApplicationDelegate::schedulerConnection() const
+{
+    return m_surroundings.components.scheduler ? m_surroundings.components.scheduler() : nullptr;
+}
+
 std::shared_ptr<CapturePreferencesController> ServiceApplicationDelegate::makeCapturePreferencesController()
 {
     const auto controller = std::make_shared<CapturePreferencesController>(

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/component_connections.h"
+
 #include <QCoreApplication>
 #include <QString>
 
@@ -42,6 +44,7 @@ public:
         /// Begins the end of the process and answers at once.
         std::function<void()> terminate;
         std::chrono::milliseconds idleInterval = std::chrono::seconds(600);
+        ComponentConnections components{};
     };
 
     explicit ServiceApplicationDelegate(Surroundings surroundings);
@@ -85,6 +88,8 @@ public:
     /// keep the others.
     void writePendingChanges();
 
+    [[nodiscard]] std::shared_ptr<HVConnection> monitorConnection() const;   ///< null: it cannot be reached
+    [[nodiscard]] std::shared_ptr<HVConnection> schedulerConnection() const; ///< null: it cannot be reached
     [[nodiscard]] AlertPresenter& alerts() const { return m_surroundings.alerts; }
     [[nodiscard]] platform::Applications& applications() const { return m_surroundings.applications; }
 

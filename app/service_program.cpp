@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "app/service_program.h"
 
+#include "app/archive_picker_pane_controller.h"
 #include "app/havrel_services.h"
 #include "app/service_application_delegate.h"
 #include "app/service_face.h"
 #include "diagnostics/logr.h"
 #include "foundation/error.h"
+#include "messaging/shared_connections.h"
 #include "platform/termination_signals.h"
 
 #include <QGuiApplication>
@@ -38,7 +40,9 @@ int statusOf(int appearError)
 
 } // namespace
 
-ServiceProgram::ServiceProgram(std::chrono::milliseconds idleInterval, platform::TerminationSignals& signals)
+ServiceProgram::ServiceProgram(std::chrono::milliseconds idleInterval,
+                               platform::TerminationSignals& signals,
+                               ComponentConnections components)
     : m_signalled(signals.descriptor(), QSocketNotifier::Read)
     , m_bus({.disconnected =
                  [this] {
@@ -53,7 +57,8 @@ ServiceProgram::ServiceProgram(std::chrono::milliseconds idleInterval, platform:
                                                  .timers = m_timers,
                                                  .registerServices = [this] { appear(); },
                                                  .terminate = [this] { terminate(); },
-                                                 .idleInterval = idleInterval});
+                                                 .idleInterval = idleInterval,
+                                                 .components = std::move(components)});
     ServiceApplicationDelegate::setOfApplication(m_delegate);
     QObject::connect(&m_signalled, &QSocketNotifier::activated, &m_signalled, [this, &signals] {
         if (signals.take() != 0)
@@ -65,7 +70,9 @@ ServiceProgram::ServiceProgram(std::chrono::milliseconds idleInterval, platform:
 ServiceProgram::~ServiceProgram()
 {
     m_face.reset();
+    ArchivePickerPaneController::forgetRunningPickers();
     HavrelServices::forgetSharedServices();
+    SharedConnections::all().forget();
     ServiceApplicationDelegate::setOfApplication(nullptr);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/component_connections.h"
 #include "app/display_loss_watch.h"
 #include "app/endable_alerts.h"
 #include "app/endable_timers.h"
@@ -32,7 +33,9 @@ class ServiceProgram
 {
 public:
     /// \param signals must live longer.
-    ServiceProgram(std::chrono::milliseconds idleInterval, platform::TerminationSignals& signals);
+    ServiceProgram(std::chrono::milliseconds idleInterval,
+                   platform::TerminationSignals& signals,
+                   ComponentConnections components);
     ~ServiceProgram();
     ServiceProgram(const ServiceProgram&) = delete;
     ServiceProgram& operator=(const ServiceProgram&) = delete;

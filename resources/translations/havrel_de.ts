@@ -3,6 +3,43 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de" sourcelanguage="en">
 <context>
+    <name>ArchivePickerPane</name>
+    <message>
+        <source>Choose Archive</source>
+        <translation>Archiv wählen</translation>
+    </message>
+    <message>
+        <source>Archives</source>
+        <translation>Archive</translation>
+    </message>
+    <message>
+        <source>Other &amp;Archive...</source>
+        <translation>Anderes &amp;Archiv …</translation>
+    </message>
+    <message>
+        <source>Choose the file of any other archive</source>
+        <translation>Die Datei eines beliebigen anderen Archivs wählen</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Holds these items</source>
+        <translation>Enthält diese Objekte</translation>
+    </message>
+    <message>
+        <source>Captured to recently</source>
+        <translation>Kürzlich hierhin gesichert</translation>
+    </message>
+    <message>
+        <source>No archive is known yet. This command makes one:
+havrel archive create FILE --repository PLACE</source>
+        <translation>Noch ist kein Archiv bekannt. Dieser Befehl legt eines an:
+havrel archive create DATEI --repository ORT</translation>
+    </message>
+</context>
+<context>
     <name>CapturePreferences</name>
     <message>
         <source>1 folder</source>
@@ -302,6 +339,39 @@
     </message>
 </context>
 <context>
+    <name>havrel::ArchiveOpenPanel</name>
+    <message>
+        <source>Choose Archive</source>
+        <translation>Archiv wählen</translation>
+    </message>
+    <message>
+        <source>Archives (*.%1)</source>
+        <translation>Archive (*.%1)</translation>
+    </message>
+</context>
+<context>
+    <name>havrel::ArchivePickerPaneController</name>
+    <message>
+        <source>Choose archive:</source>
+        <translation>Archiv wählen:</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+</context>
+<context>
+    <name>havrel::ArchivePickerViewController</name>
+    <message>
+        <source>in %1</source>
+        <translation>in %1</translation>
+    </message>
+    <message>
+        <source>last captured to %1</source>
+        <translation>zuletzt hierhin gesichert: %1</translation>
+    </message>
+</context>
+<context>
     <name>havrel::CapturePreferencesController</name>
     <message>
         <source>Reading the capture preferences of %1 items...</source>
@@ -378,14 +448,6 @@
     <message>
         <source>Capture</source>
         <translation>Sichern</translation>
-    </message>
-    <message>
-        <source>Archives cannot be chosen on this installation yet.</source>
-        <translation>In dieser Installation können noch keine Archive gewählt werden.</translation>
-    </message>
-    <message>
-        <source>The part of Havrel that knows the archives is not installed. Nothing was done.</source>
-        <translation>Der Teil von Havrel, der die Archive kennt, ist nicht installiert. Es wurde nichts geändert.</translation>
     </message>
 </context>
 <context>

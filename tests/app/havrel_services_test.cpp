@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/havrel_services.h"
 
+#include "app/archive_picker_pane.h"
 #include "capture_prefs_ui/capture_preferences_controller.h"
 #include "capture_prefs_ui/capture_preferences_window.h"
 #include "tests/app/service_fixture.h"
@@ -31,7 +32,24 @@ protected:
                     found << window;
         return found;
     }
-    void answerPicker(const char* archive) { m_pickers.back()->actionBlock()(QUrl(QString::fromLatin1(archive))); }
+    static void answerPicker(const char* archive)
+    {
+        picker()->performActionWithArchive(QUrl(QString::fromLatin1(archive)));
+    }
+    /// The window is closed, and the picker gone.
+    static void closePicker()
+    {
+        picker()->cancel();
+        QCoreApplication::sendPostedEvents();
+    }
+    /// Of which the last picker asked the monitor for archives.
+    [[nodiscard]] QByteArrayList askedItems() const
+    {
+        QByteArrayList items;
+        for (const QVariant& each : m_components.monitor.messages()[1].values[0].toList())
+            items << each.toByteArray();
+        return items;
+    }
     /// Whether the delegate was told that something happened.
     [[nodiscard]] bool wasBusy()
     {
@@ -82,7 +100,6 @@ TEST_F(HavrelServices, TakeReachablePathsOnlyWithoutAListOfUrls)
 
 TEST_F(HavrelServices, ArePutOutByNothingOnThePasteboard)
 {
-    registerPicker();
     const Pasteboard boards[] = {{},
                                  {{QStringLiteral("image/png"), "x"}},
                                  {{pasteboard::kUriList, ""}},
@@ -96,7 +113,7 @@ TEST_F(HavrelServices, ArePutOutByNothingOnThePasteboard)
             EXPECT_EQ(logged().last(), kUnrecognized);
             EXPECT_TRUE(wasBusy());
         }
-    EXPECT_TRUE(m_pickers.empty());
+    EXPECT_TRUE(ArchivePickerPaneController::runningPickers().empty());
     EXPECT_TRUE(m_alerts.shown.isEmpty());
     EXPECT_TRUE(windows(true).isEmpty() && windows(false).isEmpty());
 }
@@ -119,7 +136,7 @@ struct PromptRow
 
 TEST_F(HavrelServices, AskForAnArchiveInTheWordsOfTheService)
 {
-    registerPicker();
+    m_components.tell({});
     const PromptRow rows[] = {
         {{"file:///tmp/a%20%251.txt"},
          QStringLiteral("Reveal \"a %1.txt\" in:"),
@@ -131,30 +148,32 @@ TEST_F(HavrelServices, AskForAnArchiveInTheWordsOfTheService)
          QStringLiteral("Capture 20000 items to:")},
     };
     for (const PromptRow& row : rows) {
+        m_components.tell(archivesAt({"/a.zephra"}));
         services().revealInArchive(listOf(row.uris));
-        EXPECT_EQ(m_pickers.back()->prompt(), row.reveal);
-        EXPECT_EQ(m_pickers.back()->actionTitle(), QStringLiteral("Reveal"));
-        EXPECT_EQ(m_pickers.back()->items.size(), row.uris.size());
+        EXPECT_EQ(picker()->prompt(), row.reveal);
+        EXPECT_EQ(picker()->actionTitle(), QStringLiteral("Reveal"));
+        EXPECT_EQ(askedItems().size(), row.uris.size());
+        closePicker();
         services().captureToArchive(listOf(row.uris));
-        EXPECT_EQ(m_pickers.back()->prompt(), row.capture);
-        EXPECT_EQ(m_pickers.back()->actionTitle(), QStringLiteral("Capture"));
-        EXPECT_EQ(m_pickers.back()->runs, 1);
+        EXPECT_EQ(picker()->prompt(), row.capture);
+        EXPECT_EQ(picker()->actionTitle(), QStringLiteral("Capture"));
+        EXPECT_TRUE(picker()->window().isVisible());
+        closePicker();
     }
-    EXPECT_EQ(m_pickers.size(), std::size(rows) * 2);
 }
 
 TEST_F(HavrelServices, NameAnItemThatIsMissingOrNotUtf8)
 {
-    registerPicker();
+    m_components.tell({});
     services().revealInArchive(listOf({"file:///nowhere/bad%FF"}));
-    EXPECT_EQ(m_pickers.back()->prompt(), QStringLiteral("Reveal \"bad") + QChar(0xDCFF) + QStringLiteral("\" in:"));
-    EXPECT_EQ(m_pickers.back()->items, QByteArrayList{"/nowhere/bad\xff"});
-    EXPECT_TRUE(logged().last().contains(QStringLiteral("could not obtain display name")));
+    EXPECT_EQ(picker()->prompt(), QStringLiteral("Reveal \"bad") + QChar(0xDCFF) + QStringLiteral("\" in:"));
+    EXPECT_EQ(askedItems(), QByteArrayList{"/nowhere/bad\xff"});
+    EXPECT_TRUE(logged().join(u'\n').contains(QStringLiteral("could not obtain display name")));
 }
 
 TEST_F(HavrelServices, OpenTheArchiveInTheClientAtTheItems)
 {
-    registerPicker();
+    m_components.tell({});
     services().revealInArchive(listOf({"file:///b", "file:///bad%FF", "file:///a"}));
     answerPicker("file:///archives/my%20own.zephra");
     ASSERT_EQ(m_applications.opened.size(), 1);
@@ -167,7 +186,7 @@ TEST_F(HavrelServices, OpenTheArchiveInTheClientAtTheItems)
 
 TEST_F(HavrelServices, LogAClientThatCannotOpenTheArchive)
 {
-    registerPicker();
+    m_components.tell({});
     m_applications.failure = ENOENT;
     services().revealInArchive(listOf({"file:///a"}));
     m_log->clear();
@@ -177,27 +196,26 @@ TEST_F(HavrelServices, LogAClientThatCannotOpenTheArchive)
 
 TEST_F(HavrelServices, CaptureIntoTheArchiveByTheScheduler)
 {
-    registerPicker();
-    QList<std::pair<QByteArrayList, QByteArray>> captured;
-    archiveAccess().quickCapture = [&captured](const QByteArrayList& items, const QByteArray& archive) {
-        captured.append({items, archive});
-        return true;
-    };
+    m_components.tell({});
+    m_components.scheduler.begin();
     services().captureToArchive(listOf({"file:///b", "file:///bad%FF"}));
     answerPicker("file:///my%20own.zephra");
-    ASSERT_EQ(captured.size(), 1);
-    EXPECT_EQ(captured[0].first, (QByteArrayList{"/b", "/bad\xff"}));
-    EXPECT_EQ(captured[0].second, "/my own.zephra");
+    const auto messages = m_components.scheduler.messages();
+    ASSERT_EQ(messages.size(), 1U);
+    EXPECT_EQ(messages[0].keywordName, "quickCapture:toRepository:");
+    const QVariantList items{QByteArray("/b"), QByteArray("/bad\xff")};
+    EXPECT_EQ(messages[0].values, (QVariantList{QVariant(items), QByteArray("/my own.zephra")}));
+    EXPECT_EQ(m_components.scheduler.end().sent().last(), "barrierWithCompletion:") << "and waits until it is there";
     EXPECT_TRUE(m_alerts.shown.isEmpty());
 }
 
 TEST_F(HavrelServices, TellThatTheSchedulerCannotBeReached)
 {
-    registerPicker();
+    m_components.tell({});
     services().captureToArchive(listOf({"file:///b"}));
-    answerPicker("file:///x.zephra"); // nobody knows a scheduler
-    archiveAccess().quickCapture = [](const QByteArrayList&, const QByteArray&) { return false; };
-    answerPicker("file:///x.zephra");
+    answerPicker("file:///x.zephra"); // there is no scheduler
+    m_components.scheduler.begin().answer({Answer::Reply, Answer::Fail});
+    answerPicker("file:///x.zephra"); // it fails while it captures
     ASSERT_EQ(m_alerts.shown.size(), 2);
     for (const Alert& each : m_alerts.shown)
         EXPECT_EQ(each.messageText, QStringLiteral("Cannot connnect with Havrel scheduler."));
@@ -205,31 +223,27 @@ TEST_F(HavrelServices, TellThatTheSchedulerCannotBeReached)
     EXPECT_EQ(m_terminated, 1);
 }
 
-TEST_F(HavrelServices, SayThatArchivesCannotBeChosenYet)
+TEST_F(HavrelServices, RunNoActionForAPickerThatIsClosed)
 {
-    for (const Service service : {kServices[0], kServices[1]}) {
-        m_log->clear();
-        (services().*service)(listOf({uriOf("file")}));
-        EXPECT_EQ(m_alerts.shown.last().style, AlertStyle::Informational);
-        EXPECT_EQ(m_alerts.shown.last().messageText,
-                  QStringLiteral("Archives cannot be chosen on this installation yet."));
-        EXPECT_EQ(logged(),
-                  QStringList{QStringLiteral(
-                      "Caution Archives cannot be chosen on this installation yet; service performed no action")});
-    }
-    EXPECT_EQ(m_alerts.shown.size(), 2);
-    EXPECT_EQ(m_terminated, 0);
+    m_components.tell(archivesAt({"/a.zephra"}));
+    m_components.scheduler.begin();
+    services().captureToArchive(listOf({uriOf("file")}));
+    closePicker();
+    EXPECT_TRUE(m_components.scheduler.messages().empty());
+    services().revealInArchive(listOf({uriOf("file")}));
+    closePicker();
+    EXPECT_TRUE(m_applications.opened.isEmpty());
 }
 
 TEST_F(HavrelServices, ServeARequestWhileAnAlertIsOpen)
 {
     m_alerts.meanwhile = [this] {
-        registerPicker();
+        m_components.tell({});
         services().revealInArchive(listOf({uriOf("file")}));
     };
     services().captureToArchive(listOf({uriOf("file")}));
     EXPECT_EQ(m_alerts.shown.size(), 1);
-    EXPECT_EQ(m_pickers.size(), 1U);
+    EXPECT_EQ(ArchivePickerPaneController::runningPickers().size(), 2U);
 }
 
 TEST_F(HavrelServices, ShowAWindowForEachRequest)

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/archive_access.h"
-#include "app/archive_picker.h"
+#include "app/archive_picker_pane_controller.h"
 #include "app/havrel_services.h"
 #include "app/service_application_delegate.h"
+#include "tests/app/scripted_components.h"
 #include "tests/support/attribute_folder.h"
 #include "tests/support/environment_value.h"
 #include "tests/support/fake_timers.h"
@@ -14,20 +14,9 @@
 
 #include <QUrl>
 
-namespace havrel::tests {
+#include <stdexcept>
 
-/// Keeps what a picker is asked for.
-class RecordingPicker final : public ArchivePicker
-{
-public:
-    void runWithArchivesForItems(const QByteArrayList& itemPaths) override
-    {
-        ++runs;
-        items = itemPaths;
-    }
-    int runs = 0;
-    QByteArrayList items;
-};
+namespace havrel::tests {
 
 /// Answers alerts with what the test wants, and does something while they are open.
 class AnsweringAlerts final : public AlertPresenter
@@ -59,18 +48,19 @@ protected:
     WithService() { ServiceApplicationDelegate::setOfApplication(m_delegate); }
     ~WithService() override
     {
+        ArchivePickerPaneController::forgetRunningPickers();
         HavrelServices::forgetSharedServices();
         ServiceApplicationDelegate::setOfApplication(nullptr);
-        archiveAccess() = {};
     }
     Q_DISABLE_COPY_MOVE(WithService)
 
-    void registerPicker()
+    /// The only one that runs.
+    [[nodiscard]] static std::shared_ptr<ArchivePickerPaneController> picker()
     {
-        archiveAccess().makePickerPane = [this] {
-            m_pickers.push_back(std::make_shared<RecordingPicker>());
-            return m_pickers.back();
-        };
+        const auto& running = ArchivePickerPaneController::runningPickers();
+        if (running.size() != 1)
+            throw std::runtime_error("there are " + std::to_string(running.size()) + " pickers");
+        return *running.begin();
     }
     [[nodiscard]] HavrelServices& services() { return HavrelServices::sharedServices(); }
     [[nodiscard]] static Pasteboard listOf(const QByteArrayList& uris)
@@ -95,13 +85,14 @@ protected:
     RecordingApplications m_applications;
     int m_terminated = 0;
     int m_registered = 0;
-    std::vector<std::shared_ptr<RecordingPicker>> m_pickers;
+    ScriptedComponents m_components;
     std::shared_ptr<ServiceApplicationDelegate> m_delegate = std::make_shared<ServiceApplicationDelegate>(
         ServiceApplicationDelegate::Surroundings{.alerts = m_alerts,
                                                  .applications = m_applications,
                                                  .timers = m_timers,
                                                  .registerServices = [this] { ++m_registered; },
-                                                 .terminate = [this] { ++m_terminated; }});
+                                                 .terminate = [this] { ++m_terminated; },
+                                                 .components = m_components.connections()});
 };
 
 } // namespace havrel::tests

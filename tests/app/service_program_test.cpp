@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/service_program.h"
 
-#include "app/archive_access.h"
-#include "app/archive_picker.h"
+#include "app/archive_picker_pane_controller.h"
 #include "capture_prefs_ui/capture_preferences_window.h"
 #include "filters/file_capture_preferences.h"
 #include "foundation/pasteboard.h"
@@ -10,6 +9,7 @@
 #include "fs/path.h"
 #include "platform/bus_connection.h"
 #include "platform/termination_signals.h"
+#include "tests/app/scripted_components.h"
 #include "tests/support/attribute_folder.h"
 #include "tests/support/environment_value.h"
 #include "tests/support/private_bus.h"
@@ -17,6 +17,7 @@
 #include "tests/support/shown_window.h"
 
 #include <QAbstractButton>
+#include <QLabel>
 #include <QMessageBox>
 #include <QProcess>
 #include <QTimer>
@@ -55,8 +56,6 @@ CaptureOption optionOf(const QByteArray& path)
 class ServiceProgram : public WithAttributes
 {
 protected:
-    ~ServiceProgram() override { archiveAccess() = {}; }
-
     void SetUp() override
     {
         WithAttributes::SetUp();
@@ -67,7 +66,7 @@ protected:
     int run(const std::function<void()>& meanwhile = {}, std::chrono::milliseconds idleInterval = 600s)
     {
         platform::TerminationSignals signals;
-        havrel::ServiceProgram program(idleInterval, signals);
+        havrel::ServiceProgram program(idleInterval, signals, m_components.connections());
         QObject context;
         if (meanwhile)
             QTimer::singleShot(0, &context, meanwhile);
@@ -112,6 +111,7 @@ protected:
                                    [text](const QString& each) { return each.contains(QLatin1StringView(text)); });
     }
 
+    ScriptedComponents m_components;
     PrivateBus m_bus;
     EnvironmentValue m_address{"DBUS_SESSION_BUS_ADDRESS", m_bus.address()};
     EnvironmentValue m_state{"XDG_STATE_HOME", m_tree.bytes("state")};
@@ -205,7 +205,7 @@ TEST_F(ServiceProgram, EndsWhileAnAlertIsOpen)
                   look.start(0);
               }),
               0);
-    EXPECT_EQ(text, QStringLiteral("Archives cannot be chosen on this installation yet."));
+    EXPECT_EQ(text, QStringLiteral("Cannot connnect with Havrel monitor."));
 }
 
 TEST_F(ServiceProgram, ServesTwoRequestsAtOnce)
@@ -225,20 +225,8 @@ TEST_F(ServiceProgram, ServesTwoRequestsAtOnce)
 TEST_F(ServiceProgram, ServesTheThreeServices)
 {
     m_tree.write("bad\xff.txt", "");
-    struct Picker final : ArchivePicker
-    {
-        explicit Picker(QStringList& noted)
-            : m_noted(noted)
-        {
-        }
-        void runWithArchivesForItems(const QByteArrayList& items) override
-        {
-            m_noted << prompt() + QString::fromLatin1(" / ") + QString::number(items.size());
-        }
-        QStringList& m_noted;
-    };
+    m_components.tell({});
     QStringList noted;
-    archiveAccess().makePickerPane = [&noted] { return std::make_shared<Picker>(noted); };
     EXPECT_EQ(run([&] {
                   call(service_address::kReveal, {m_tree.bytes("file")});
                   call(service_address::kCapture, {m_tree.bytes("file"), m_tree.bytes("folder")});
@@ -247,11 +235,13 @@ TEST_F(ServiceProgram, ServesTheThreeServices)
                   auto* window = shownWindow<CapturePreferencesWindow>();
                   ASSERT_NE(window, nullptr);
                   exclude(*window);
+                  for (const auto& each : ArchivePickerPaneController::runningPickers())
+                      noted << each->titleField().text();
                   ::raise(SIGTERM);
               }),
               0);
-    EXPECT_EQ(noted,
-              (QStringList{QStringLiteral("Reveal \"file\" in: / 1"), QStringLiteral("Capture 2 items to: / 2")}));
+    noted.sort();
+    EXPECT_EQ(noted, (QStringList{QStringLiteral("Capture 2 items to:"), QStringLiteral("Reveal \"file\" in:")}));
     EXPECT_EQ(optionOf(m_tree.bytes("bad\xff.txt")), CaptureOption::Exclude);
     EXPECT_TRUE(isLogged("Unrecognized clipboard contents; service performed no action"));
 }

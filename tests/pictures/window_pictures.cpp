@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Takes pictures of the capture preferences window in every state, on real items: scripts/pictures runs it once for
+// Takes pictures of the windows in every state, on real items: scripts/pictures runs it once for
 // each way of showing windows (language, direction, palette, scale, font).
 //
 // usage: window_pictures [--dark] [--rtl] [--font POINTS] [--language CODE] FOLDER SUFFIX [STATE...]
@@ -12,6 +12,7 @@
 #include "capture_prefs_ui/visible_indicators.h"
 #include "filters/pattern_filter_def.h"
 #include "fs/path.h"
+#include "tests/pictures/archive_picker_picture.h"
 #include "tests/support/fake_timers.h"
 #include "tests/support/temporary_tree.h"
 
@@ -27,6 +28,7 @@
 #include <QTranslator>
 
 #include <cstdio>
+#include <functional>
 
 namespace havrel::tests {
 namespace {
@@ -201,6 +203,25 @@ bool take(const Picture& picture, const TemporaryTree& tree, const QString& file
     return pictureOf(controller.window()).save(file);
 }
 
+bool takePicker(bool hasArchives, const TemporaryTree& tree, const QString& file)
+{
+    return archivePickerPicture(tree, hasArchives).save(file);
+}
+
+/// Every picture by its name, and what takes it.
+using Takers = std::vector<std::pair<QString, std::function<bool(const TemporaryTree& tree, const QString& file)>>>;
+
+Takers takers()
+{
+    Takers all;
+    for (const Picture& each : pictures())
+        all.emplace_back(QLatin1String(each.name),
+                         [&each](const auto& tree, const auto& file) { return take(each, tree, file); });
+    all.emplace_back(QStringLiteral("picker"), std::bind_front(takePicker, true));
+    all.emplace_back(QStringLiteral("picker-none"), std::bind_front(takePicker, false));
+    return all;
+}
+
 int run(const QStringList& arguments)
 {
     const TemporaryTree tree{"Documents/Projects/",
@@ -209,17 +230,19 @@ int run(const QStringList& arguments)
                              "Documents/New folder/",
                              "Documents/Notes.txt",
                              "Documents/Letter.odt",
-                             "Documents/Lost"};
+                             "Documents/Lost",
+                             "Archives/Home.zephra",
+                             "Archives/Work.zephra",
+                             "Archives/Laptop.zephra"};
     qputenv("HOME", tree.bytes("")); // so that the pictures say "~/Documents" everywhere
     qputenv("XDG_STATE_HOME", tree.bytes("state"));
     storeAll(tree);
     const QString suffix = arguments[1].isEmpty() ? QString() : u'-' + arguments[1];
-    for (const Picture& each : pictures()) {
-        const QString name = QLatin1String(each.name);
+    for (const auto& [name, taker] : takers()) {
         if (arguments.size() > 2 && !arguments.mid(2).contains(name))
             continue;
         const QString file = QDir(arguments[0]).filePath(name + suffix + QStringLiteral(".png"));
-        if (!take(each, tree, file)) {
+        if (!taker(tree, file)) {
             std::fprintf(stderr, "cannot take %s\n", qPrintable(file));
             return 1;
         }

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/archive_picker_view_controller.h"
+
+#include <QDialog>
+
+#include <memory>
+
+namespace Ui {
+class ArchivePickerPane;
+} // namespace Ui
+
+namespace havrel {
+
+/// The window of the archive picker: the form "ArchivePickerPane" brought to life. Shows, decides nothing; Escape
+/// closes it, Return is the action button.
+///
+/// Threads: the main thread only.
+class ArchivePickerPane : public QDialog
+{
+    Q_OBJECT
+
+public:
+    ArchivePickerPane();
+    ~ArchivePickerPane() override;
+    ArchivePickerPane(const ArchivePickerPane&) = delete;
+    ArchivePickerPane& operator=(const ArchivePickerPane&) = delete;
+    ArchivePickerPane(ArchivePickerPane&&) = delete;
+    ArchivePickerPane& operator=(ArchivePickerPane&&) = delete;
+
+    /// The controls, by the names of the form.
+    [[nodiscard]] Ui::ArchivePickerPane& outlets() noexcept { return *m_ui; }
+    [[nodiscard]] ArchivePickerViewController& pickerViewController() noexcept { return *m_pickerViewController; }
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    [[nodiscard]] ArchivePickerViewController::RowViews takeRowViews();
+    void emphasizeTitle();
+    void fitTable(int height);
+    [[nodiscard]] int roomForTable(int others) const;
+
+    std::unique_ptr<Ui::ArchivePickerPane> m_ui;
+    std::unique_ptr<ArchivePickerViewController> m_pickerViewController;
+};
+
+} // namespace havrel

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+// What a picker of 1,000 archives costs, from the monitor's answer to the painted window, with the files there and
+// missing, and a step through its list. The peer is the same with 10 archives. Offscreen, medians.
+#include "app/archive_list_view.h"
+#include "app/archive_picker_pane.h"
+#include "tests/support/temporary_tree.h"
+
+#include <QApplication>
+#include <QTest>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <vector>
+
+namespace havrel {
+namespace {
+
+using SteadyClock = std::chrono::steady_clock;
+
+constexpr int kMany = 1000;
+constexpr int kFew = 10;
+constexpr int kRounds = 21;
+
+double milliseconds(const std::function<void()>& work)
+{
+    const auto start = SteadyClock::now();
+    work();
+    return std::chrono::duration<double, std::milli>(SteadyClock::now() - start).count();
+}
+
+double median(const std::function<double()>& sample)
+{
+    std::vector<double> samples;
+    for (int round = 0; round < kRounds; ++round)
+        samples.push_back(sample());
+    std::nth_element(samples.begin(), samples.begin() + kRounds / 2, samples.end());
+    return samples[kRounds / 2];
+}
+
+QList<QVariantMap> archivesIn(const QByteArray& folder, int count)
+{
+    QList<QVariantMap> archives;
+    for (int i = 0; i < count; ++i)
+        archives.append(
+            {{QStringLiteral("path"), folder + QByteArray("/archive") + QByteArray::number(i) + ".zephra"}});
+    return archives;
+}
+
+void fill(ArchivePickerPane& pane, const QList<QVariantMap>& archives)
+{
+    pane.pickerViewController().addArchiveInfo(archives, QStringLiteral("recent"));
+    pane.pickerViewController().selectFirstArchive();
+    pane.pickerViewController().resizeToRows();
+    pane.show();
+    QApplication::processEvents();
+    (void)pane.grab();
+}
+
+double show(const QList<QVariantMap>& archives)
+{
+    ArchivePickerPane pane; // is made while the monitor looks
+    return milliseconds([&] { fill(pane, archives); });
+}
+
+double step(const QList<QVariantMap>& archives)
+{
+    ArchivePickerPane pane;
+    fill(pane, archives);
+    return milliseconds([&] {
+        QTest::keyClick(&pane.pickerViewController().tableView(), Qt::Key_End);
+        QApplication::processEvents();
+        (void)pane.grab();
+    });
+}
+
+void compare(const char* what, double (*work)(const QList<QVariantMap>&), const QByteArray& folder)
+{
+    const double ours = median([&] { return work(archivesIn(folder, kMany)); });
+    const double peers = median([&] { return work(archivesIn(folder, kFew)); });
+    std::printf("%-44s %8.2f ms %8.2f ms  ratio %.2f\n", what, ours, peers, ours / peers);
+}
+
+int run()
+{
+    const TemporaryTree tree;
+    for (int i = 0; i < kMany; ++i)
+        tree.add("archive" + std::to_string(i) + ".zephra");
+    std::printf("%-44s %11s %11s\n", "", "1,000", "10");
+    compare("answer of the monitor to painted window", show, tree.bytes(""));
+    compare("the same, archives missing", show, tree.bytes("missing"));
+    compare("to the end of the list, painted", step, tree.bytes(""));
+    return 0;
+}
+
+} // namespace
+} // namespace havrel
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    return havrel::run();
+}
