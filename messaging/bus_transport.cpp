@@ -7,6 +7,8 @@
 #include "messaging/bus_xpc_listener.h"
 #include "messaging/xpc_endpoint.h"
 
+#include <utility>
+
 namespace havrel {
 namespace {
 
@@ -36,8 +38,11 @@ BusTransport::~BusTransport()
 
 XPCConnectionPtr BusTransport::connectionToService(const QString& name, quint32 options)
 {
-    return std::make_shared<BusXPCConnection>(m_buses,
-                                              BusXPCConnection::Target{.serviceName = name, .kind = busFor(options)});
+    // Named: the compiler takes a nameless one, once optimised, for used uninitialised.
+    BusXPCConnection::Target target;
+    target.serviceName = name;
+    target.kind = busFor(options);
+    return std::make_shared<BusXPCConnection>(m_buses, std::move(target));
 }
 
 XPCConnectionPtr BusTransport::connectionToEndpoint(const XPCEndpoint& endpoint)

@@ -8,6 +8,8 @@
 
 #include <thread>
 
+#include <unistd.h>
+
 namespace havrel {
 namespace {
 
@@ -128,6 +130,22 @@ TEST_F(SharedConnectionsFixture, TakeRunSummariesOfAClassThatMayBeMissing)
     const QSet<QByteArray> plain{"NSDictionary", "NSString"};
     EXPECT_EQ(HVConnection::schedulerInterface()->classesFor({kRunSummaries, kFirst}), plain);
     EXPECT_TRUE(HVConnection::monitorInterface()->classesFor({kRunSummaries, kFirst}).isEmpty());
+}
+
+using SharedConnectionsDeathTest = SharedConnectionsFixture;
+
+TEST_F(SharedConnectionsDeathTest, TakeRunSummariesOfTheirClassWhereThatIsKnown)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // in a process of its own, because a class is known for good
+    const auto registerClass = [] {
+        registerArchivableClass({.name = u"ActionRunSummary"_s,
+                                 .superclasses = {u"NSObject"_s},
+                                 .isInstance = [](const QVariant&) { return false; }});
+        const QSet<QByteArray> all{"NSDictionary", "NSString", "ActionRunSummary"};
+        ::_exit(HVConnection::schedulerInterface()->classesFor({kRunSummaries, kFirst}) == all ? 0 : 1);
+    };
+
+    EXPECT_EXIT(registerClass(), ::testing::ExitedWithCode(0), "");
 }
 
 } // namespace
