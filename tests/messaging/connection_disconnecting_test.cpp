@@ -2,6 +2,8 @@
 #include "messaging/connection.h"
 #include "tests/messaging/connection_fixture.h"
 
+#include <QThreadPool>
+
 #include <thread>
 
 namespace havrel {
@@ -296,6 +298,7 @@ TEST(HVConnectionWithoutMainQueue, HearsOfALoss)
     live->lose();
 
     EXPECT_EQ(calls.one(), true);
+    globalQueuePool().waitForDone(); // it holds the connection, which must not outlive what it is made of
     EXPECT_FALSE(connection->connected());
 }
 

@@ -97,7 +97,9 @@ void InProcessConnection::open()
 void InProcessConnection::carry(const SentMessagePtr& sent)
 {
     const auto other = peer();
-    const auto fault = m_isAccepted ? std::nullopt : m_place->takeFault(sent->message->keywordName);
+    std::optional<Fault> fault;
+    if (!m_isAccepted)
+        fault = m_place->takeFault(sent->message->keywordName);
     const auto endOther = [&] { other->replyQueue().async([other] { other->invalidate(); }); };
     if (!other)
         return; // it has gone, and told so
