@@ -11,8 +11,7 @@ import sys
 import tempfile
 
 BUILD = sys.argv[1]
-SERVICE = "share/dbus-1/services/com.havrel.Service.service"
-UNIT = "share/systemd/user/havrel-service.service"
+NAMES = ("Service", "Switchboard", "Monitor", "Scheduler")
 
 
 def install(folder, prefix, destination=None):
@@ -29,10 +28,13 @@ def command_in(path, key):
 
 def check(root, prefix):
     """What is installed at root names the programs below the prefix."""
-    program = f"{prefix}/bin/havrel-service"
-    for file, key in ((SERVICE, "Exec"), (UNIT, "ExecStart")):
-        assert command_in(root / file, key) == program, (root, command_in(root / file, key), program)
-    print("names", program)
+    for name in NAMES:
+        program = f"havrel-{name.lower()}"
+        for file, key in ((f"share/dbus-1/services/com.havrel.{name}.service", "Exec"),
+                          (f"share/systemd/user/{program}.service", "ExecStart")):
+            assert command_in(root / file, key) == f"{prefix}/bin/{program}", (root / file, prefix)
+        assert (root / "bin" / program).exists(), program
+        print("names", program, "below", prefix)
 
 
 def check_that_the_bus_finds_it(root):

@@ -55,9 +55,9 @@ def commands_in(package):
     """The programs that the bus and systemd are told to start."""
     with tempfile.TemporaryDirectory() as folder:
         subprocess.run(["dpkg-deb", "--extract", package, folder], check=True)
-        for file in ("dbus-1/services/com.havrel.Service.service", "systemd/user/havrel-service.service"):
-            text = pathlib.Path(folder, "usr/share", file).read_text()
-            yield from re.findall(r"^Exec(?:Start)?=(.*)$", text, re.MULTILINE)
+        share = pathlib.Path(folder, "usr/share")
+        for file in (*share.glob("dbus-1/services/*.service"), *share.glob("systemd/user/*.service")):
+            yield from re.findall(r"^Exec(?:Start)?=(.*)$", file.read_text(), re.MULTILINE)
 
 
 def main():
@@ -71,7 +71,8 @@ def main():
         for name, (files, fields) in PACKAGES.items():
             wrong += problems(found[name], files, fields) if name in found else []
         commands = list(commands_in(found["havrel"]))
-        if commands != ['"/usr/bin/havrel-service"'] * 2:
+        programs = ("havrel-monitor", "havrel-scheduler", "havrel-service", "havrel-switchboard")
+        if sorted(commands) != sorted([f'"/usr/bin/{each}"' for each in programs] * 2):
             wrong.append(f"started would be: {commands}")
     sys.exit("\n".join(wrong) or 0)
 

@@ -1,0 +1,305 @@
+// SPDX-License-Identifier: MIT
+#include "components/capture_schedule.h"
+
+#include "diagnostics/exception.h"
+#include "diagnostics/logr.h"
+#include "foundation/clock.h"
+#include "foundation/reference_date.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace havrel {
+namespace {
+
+using namespace Qt::StringLiterals;
+using platform::Proceed;
+
+constexpr int kMostRuns = 100;
+constexpr int kMostAttempts = 3;
+constexpr double kLongestWait = 60; // seconds: the system's clock may be set meanwhile
+
+const QString kActions = u"actions"_s;
+const QString kRuns = u"runs"_s;
+const QString kHoldTime = u"holdTime"_s;
+const QString kLastNumber = u"lastNumber"_s;
+
+/// What is no time counts as at once.
+double finite(double time)
+{
+    return std::isfinite(time) ? time : 0;
+}
+
+void takeFailure(RunSummary& run, const QString& reason, const QString& fault)
+{
+    run.reason = reason.isNull() ? u"for an unknown reason"_s : reason;
+    run.fault = fault.isNull() ? u""_s : fault;
+}
+
+} // namespace
+
+CaptureSchedule::CaptureSchedule(const QByteArray& stateFile, Runner runner)
+    : m_file(stateFile)
+    , m_runner(std::move(runner))
+{
+    {
+        const MutexLock guard(m_lock);
+        load();
+    }
+    m_queue.async([this] { work(); });
+}
+
+CaptureSchedule::~CaptureSchedule()
+{
+    const MutexLock guard(m_lock);
+    m_stops = true;
+    m_change.notifyAll();
+}
+
+// ---- what is kept
+
+void CaptureSchedule::load()
+{
+    const QVariantMap kept = m_file.read();
+    m_runs = kept.value(kRuns).toList();
+    m_lastNumber = kept.value(kLastNumber).toLongLong();
+    m_holdTime = finite(kept.value(kHoldTime).toDouble());
+    for (const QVariant& each : kept.value(kActions).toList()) {
+        const std::optional<ScheduledAction> action = ScheduledAction::fromDictionary(each.toMap());
+        if (action && action->attempts < kMostAttempts)
+            m_actions.append(*action);
+        else if (action)
+            record({.action = *action, .reason = u"the scheduler did not survive it"_s, .fault = u""_s});
+    }
+}
+
+void CaptureSchedule::keep() const
+{
+    QVariantList actions;
+    for (const ScheduledAction& each : m_actions)
+        actions.append(each.asDictionary());
+    m_file.keep({{kActions, actions}, {kRuns, m_runs}, {kHoldTime, m_holdTime}, {kLastNumber, m_lastNumber}});
+}
+
+void CaptureSchedule::changed()
+{
+    keep();
+    m_change.notifyAll();
+}
+
+void CaptureSchedule::record(const RunSummary& run)
+{
+    m_runs.append(run.asDictionary());
+    while (m_runs.size() > kMostRuns)
+        m_runs.removeFirst();
+}
+
+// ---- what it is told
+
+void CaptureSchedule::add(const QByteArray& archive, const QByteArrayList& items)
+{
+    const MutexLock guard(m_lock);
+    m_actions.append({.id = QString::number(++m_lastNumber), .archive = archive, .items = items, .time = time()});
+    changed();
+}
+
+void CaptureSchedule::setTime(const QString& id, double time)
+{
+    const MutexLock guard(m_lock);
+    if (const auto action = find(id); action != m_actions.end())
+        action->time = finite(time);
+    changed();
+}
+
+void CaptureSchedule::setSuspended(const QString& id, bool suspended)
+{
+    const MutexLock guard(m_lock);
+    if (const auto action = find(id); action != m_actions.end())
+        action->suspended = suspended;
+    changed();
+}
+
+void CaptureSchedule::setHoldTime(double time)
+{
+    const MutexLock guard(m_lock);
+    m_holdTime = finite(time);
+    changed();
+}
+
+double CaptureSchedule::holdTime() const
+{
+    const MutexLock guard(m_lock);
+    return m_holdTime;
+}
+
+void CaptureSchedule::setClockAhead(double seconds)
+{
+    const MutexLock guard(m_lock);
+    m_clockAhead = finite(seconds);
+    m_change.notifyAll();
+}
+
+void CaptureSchedule::clockChanged()
+{
+    const MutexLock guard(m_lock);
+    m_change.notifyAll();
+}
+
+/// One that has not begun.
+auto CaptureSchedule::find(const QString& id) -> Actions::iterator
+{
+    return std::find_if(m_actions.begin(), m_actions.end(), [&, this](const ScheduledAction& each) {
+        return each.id == id && each.id != m_running;
+    });
+}
+
+// ---- when
+
+double CaptureSchedule::time() const
+{
+    return intervalSinceReferenceDate(now()) + m_clockAhead;
+}
+
+double CaptureSchedule::dueTimeOf(const ScheduledAction& action) const
+{
+    const bool never = action.suspended || action.id == m_running;
+    return never ? std::numeric_limits<double>::infinity() : std::max(action.time, m_holdTime);
+}
+
+auto CaptureSchedule::next() const -> Actions::const_iterator
+{
+    const auto first =
+        std::min_element(m_actions.begin(), m_actions.end(), [this](const auto& left, const auto& right) {
+            return dueTimeOf(left) < dueTimeOf(right);
+        });
+    return first != m_actions.end() && std::isfinite(dueTimeOf(*first)) ? first : m_actions.end();
+}
+
+void CaptureSchedule::waitForChange()
+{
+    const auto first = next();
+    if (first == m_actions.end())
+        return m_change.wait(m_lock);
+    const std::chrono::duration<double> wait(std::clamp(dueTimeOf(*first) - time(), 0.0, kLongestWait));
+    (void)m_change.waitUntil(m_lock,
+                             std::chrono::steady_clock::now() + std::chrono::ceil<std::chrono::milliseconds>(wait));
+}
+
+// ---- the work
+
+void CaptureSchedule::work()
+{
+    while (const std::optional<ScheduledAction> action = begin())
+        finish(run(*action));
+}
+
+/// Waits for something to do. \return none at the end
+std::optional<ScheduledAction> CaptureSchedule::begin()
+{
+    const MutexLock guard(m_lock);
+    while (!m_stops) {
+        const auto first = next();
+        if (first != m_actions.end() && dueTimeOf(*first) <= time()) {
+            const auto action = find(first->id);
+            ++action->attempts;
+            m_running = action->id;
+            m_started = time();
+            m_progress = {};
+            changed();
+            return *action;
+        }
+        waitForChange();
+    }
+    return std::nullopt;
+}
+
+RunSummary CaptureSchedule::run(const ScheduledAction& action)
+{
+    RunSummary result{.action = action};
+    try {
+        result.summary =
+            m_runner(action.archive, action.items, [this](const EngineProgress& progress) { return took(progress); });
+    } catch (const HVException& exception) {
+        takeFailure(result, exception.reason(), exception.detail(QLatin1StringView("Fault")).toString());
+    } catch (const std::exception& exception) {
+        takeFailure(result, QString::fromLocal8Bit(exception.what()), {});
+    }
+    return result;
+}
+
+Proceed CaptureSchedule::took(const EngineProgress& progress)
+{
+    const MutexLock guard(m_lock);
+    m_progress = progress;
+    return m_stops ? Proceed::No : Proceed::Yes;
+}
+
+void CaptureSchedule::finish(const RunSummary& run)
+{
+    const MutexLock guard(m_lock);
+    m_running = QString();
+    const auto action = find(run.action.id);
+    const bool wasStopped = m_stops && !run.reason.isNull();
+    if (wasStopped) {
+        --action->attempts; // it is not to blame
+    } else {
+        RunSummary ended = run;
+        ended.started = m_started;
+        ended.ended = time();
+        record(ended);
+        m_actions.erase(action);
+        if (!run.reason.isNull())
+            Logr::log(LogClassification::Failure, QStringLiteral("capture failed: %1").arg(run.reason));
+    }
+    changed();
+}
+
+// ---- what it tells
+
+QVariantMap CaptureSchedule::volatileInfo() const
+{
+    const MutexLock guard(m_lock);
+    QVariantMap info{{u"queued"_s, qint64{m_actions.size()}}, {kHoldTime, m_holdTime}, {u"clockAhead"_s, m_clockAhead}};
+    const auto running = std::find_if(
+        m_actions.begin(), m_actions.end(), [this](const ScheduledAction& each) { return each.id == m_running; });
+    if (running == m_actions.end())
+        return info;
+    info.insert({{u"running"_s, running->asDictionary()},
+                 {u"started"_s, m_started},
+                 {u"fraction"_s, m_progress.fraction},
+                 {u"files"_s, m_progress.files},
+                 {u"filesDone"_s, m_progress.filesDone},
+                 {u"bytes"_s, m_progress.bytes},
+                 {u"bytesDone"_s, m_progress.bytesDone}});
+    return info;
+}
+
+QVariantMap CaptureSchedule::runSummaries() const
+{
+    const MutexLock guard(m_lock);
+    QVariantMap result;
+    for (const QVariant& each : m_runs)
+        result.insert(each.toMap().value(u"id"_s).toString(), each);
+    return result;
+}
+
+QVariantList CaptureSchedule::actions() const
+{
+    const MutexLock guard(m_lock);
+    QVariantList result;
+    for (const ScheduledAction& each : m_actions)
+        result.insert(each.id == m_running ? 0 : result.size(), each.asDictionary());
+    return result;
+}
+
+QVariantList CaptureSchedule::nextAction() const
+{
+    const MutexLock guard(m_lock);
+    const auto first = next();
+    return first == m_actions.end() ? QVariantList() : QVariantList{first->asDictionary()};
+}
+
+} // namespace havrel

@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: MIT
+#include "components/component_process.h"
+
+int main(int argc, char** argv)
+{
+    return havrel::componentMain(havrel::ComponentKind::Scheduler, "havrel-scheduler", argc, argv);
+}

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "foundation/notification_center.h"
+#include "messaging/xpc_connection.h"
+
+#include <QString>
+
+#include <memory>
+
+namespace havrel {
+
+class Component;
+class HVSwitchboardConnection;
+class Protocol;
+
+/// Under which names a component is found.
+struct PublicationSettings
+{
+    QString identifier;       ///< at the switchboard: "com.havrel.scheduler"
+    QString serviceName;      ///< by which it can be started: "com.havrel.Scheduler"
+    const Protocol& protocol; ///< outlives it
+};
+
+/// Makes a component reachable for processes of this user, as long as it lives: publishes its endpoint at the
+/// process's shared switchboard connection, and again at every switchboard that this connects to later; serves the
+/// name by which it can be started, too.
+///
+/// Threads: the main thread only.
+class PublishedComponent
+{
+public:
+    PublishedComponent(std::shared_ptr<Component> component, const PublicationSettings& settings);
+    /// Connections that it has accepted end with their other ends.
+    ~PublishedComponent();
+    PublishedComponent(const PublishedComponent&) = delete;
+    PublishedComponent& operator=(const PublishedComponent&) = delete;
+    PublishedComponent(PublishedComponent&&) = delete;
+    PublishedComponent& operator=(PublishedComponent&&) = delete;
+
+    /// Connects to the switchboard, which it waits for. That there is none is no error. When this returns, who asks a
+    /// switchboard that is there finds the component.
+    ///
+    /// \return 0 or an errno value: EEXIST when another process serves the name, ...
+    [[nodiscard]] int start();
+
+private:
+    void publish();
+
+    const QString m_identifier;
+    const std::unique_ptr<XPCListener> m_endpoint;
+    const std::unique_ptr<XPCListener> m_service;
+    const std::shared_ptr<HVSwitchboardConnection> m_switchboard;
+    std::weak_ptr<XPCProxy> m_publishedAt;
+    NotificationRegistration m_connected;
+};
+
+} // namespace havrel
