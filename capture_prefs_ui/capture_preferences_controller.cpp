@@ -87,6 +87,7 @@ bool CapturePreferencesController::prepareWithItems(const QList<QUrl>& urls)
     showRefusedSoon(loaded.refused, !loaded.items.isEmpty());
     if (loaded.items.isEmpty())
         return false;
+    loaded.findOwnPatterns();
     m_watch.stop();
     m_loaded = std::move(loaded);
     window().showItems(m_loaded);

@@ -105,11 +105,11 @@ bool CapturePreferencesController::setModifiedPrefs()
 
 void CapturePreferencesController::givePatterns(std::size_t index, const PatternFilterDefs& edited, bool keepsOwn)
 {
-    const std::optional<PatternFilterDefs>& own = m_loaded.originalPatterns[index];
-    if (!own)
+    if (!m_loaded.originalPatterns[index])
         return;
+    const PatternFilterDefs& own = m_loaded.ownPatterns[index];
     const PatternSet& common = m_loaded.commonPatterns.patterns();
-    m_loaded.prefs.all()[index].setExcludeFilterDefs(keepsOwn ? withOwnPatterns(edited, *own, common) : edited);
+    m_loaded.prefs.all()[index].setExcludeFilterDefs(keepsOwn ? withOwnPatterns(edited, own, common) : edited);
 }
 
 bool CapturePreferencesController::writeItem(std::size_t index)

@@ -55,18 +55,24 @@ void CommonPatterns::intersect(const PatternFilterDefs& ofFolder)
     m_patterns = m_patterns.intersected(folder);
 }
 
+PatternFilterDefs ownPatterns(const PatternFilterDefs& ofFolder, const PatternSet& common)
+{
+    return PatternSet(ofFolder).without(common).inOrder();
+}
+
 PatternFilterDefs
 withOwnPatterns(const PatternFilterDefs& edited, const PatternFilterDefs& own, const PatternSet& common)
 {
-    PatternSet present(edited);
+    PatternSet added;
+    for (const PatternFilterDefPtr& each : edited)
+        if (!common.contains(each))
+            added.add(each);
+    if (added.inOrder().isEmpty())
+        return edited + own;
     PatternFilterDefs merged = edited;
-    const PatternSet ownOnly = PatternSet(own).without(common);
-    for (const PatternFilterDefPtr& each : ownOnly.inOrder()) {
-        if (present.contains(each))
-            continue;
-        present.add(each);
-        merged.append(each);
-    }
+    for (const PatternFilterDefPtr& each : own)
+        if (!added.contains(each))
+            merged.append(each);
     return merged;
 }
 

@@ -51,8 +51,15 @@ private:
     bool m_differ = false;
 };
 
-/// \p edited, and those of \p own that are neither in \p common nor in \p edited: what a folder gets that keeps its
-/// own patterns when the common ones were edited.
+/// Those of a folder's patterns that are not \p common, each once.
+///
+/// Threads: one thread at a time.
+[[nodiscard]] PatternFilterDefs ownPatterns(const PatternFilterDefs& ofFolder, const PatternSet& common);
+
+/// \p edited, and those of \p own that are not in it: what a folder gets that keeps its own patterns when the common
+/// ones were edited. Looks at the own ones only when something is edited that is not common.
+///
+/// \param own the folder's ownPatterns, with the same \p common.
 ///
 /// Threads: one thread at a time.
 [[nodiscard]] PatternFilterDefs

@@ -47,6 +47,16 @@ void LoadedItems::addPatternsOf(const FileCapturePreferences& preferences, bool 
     }
 }
 
+void LoadedItems::findOwnPatterns()
+{
+    ownPatterns.assign(paths.size(), {});
+    if (!commonPatterns.differ())
+        return;
+    for (std::size_t i = 0; i < paths.size(); ++i)
+        if (originalPatterns[i])
+            ownPatterns[i] = havrel::ownPatterns(*originalPatterns[i], commonPatterns.patterns());
+}
+
 qsizetype LoadedItems::containers() const
 {
     return std::count_if(originalPatterns.begin(), originalPatterns.end(), [](const auto& each) { return !!each; });

@@ -42,6 +42,7 @@ struct LoadedItems
     std::vector<platform::AttributeValue> seen;
     std::vector<std::optional<PatternFilterDefs>> originalPatterns; ///< none for an item that is no container
     CommonPatterns commonPatterns;                                  ///< of the containers
+    std::vector<PatternFilterDefs> ownPatterns; ///< of each container, those that are not common; by findOwnPatterns
     bool allContainers = true;
     bool atLeastOneContainer = false;
     std::vector<std::size_t> unreadable; ///< places of those whose attribute is there, but not to be understood
@@ -50,6 +51,9 @@ struct LoadedItems
     /// Looks at the item and reads its preferences; one without any gets the defaults. Blocks on the disk. An item that
     /// is not there or not local is refused, and so is one that cannot carry preferences: every write would fail.
     void add(const QUrl& item);
+
+    /// Once the last item is added.
+    void findOwnPatterns();
 
     /// How many of the items are folders.
     [[nodiscard]] qsizetype containers() const;

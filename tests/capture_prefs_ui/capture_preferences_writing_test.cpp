@@ -134,6 +134,59 @@ TEST_F(CapturePreferencesWriting, ShowsCommonPatternsAndKeepsEachFoldersOwn)
     EXPECT_EQ(linesOf(stored("file")), "");
 }
 
+TEST_F(CapturePreferencesWriting, WritesAPatternOnceThatAFolderHadOfItsOwn)
+{
+    m_tree.add("other/");
+    store("folder", withPatterns("//own //common"));
+    store("other", withPatterns("//common //else"));
+    ASSERT_TRUE(m_controller.prepareWithItems(urlsOf({"folder", "other"})));
+    PatternTableViewController& table = *m_controller.patternTableController();
+    table.addPatternStrings({QStringLiteral("//else")});
+    EXPECT_TRUE(m_controller.setModifiedPrefs());
+    EXPECT_EQ(linesOf(stored("folder")), "//common //else //own");
+    EXPECT_EQ(linesOf(stored("other")), "//common //else");
+    IndexSet added;
+    added.addIndex(2);
+    table.removePatterns(added);
+    EXPECT_TRUE(m_controller.setModifiedPrefs());
+    EXPECT_EQ(linesOf(stored("folder")), "//common //own");
+    EXPECT_EQ(linesOf(stored("other")), "//common //else");
+}
+
+TEST_F(CapturePreferencesWriting, MergesAPatternThatIsTypedBetweenTwoPasses)
+{
+    m_tree.add("other/");
+    store("folder", withPatterns("//own //common"));
+    store("other", withPatterns("//common //else"));
+    ASSERT_TRUE(m_controller.prepareWithItems(urlsOf({"folder", "other"})));
+    m_controller.makeDirty();
+    ASSERT_TRUE(m_controller.setModifiedPrefs());
+    const PatternFilterDefPtr edited = m_controller.patternTableController()->filterDefs().front();
+    for (const char* text : {"other", "else", "common"}) {
+        edited->setSinglePattern(QString::fromLatin1(text));
+        m_controller.makeDirty(); // the window is hidden, so that no row tells
+        ASSERT_TRUE(m_controller.setModifiedPrefs());
+        const std::string line = std::string("//") + text;
+        EXPECT_EQ(linesOf(stored("folder")), line + " //own");
+        EXPECT_EQ(linesOf(stored("other")), line == "//else" ? line : line + " //else");
+    }
+}
+
+TEST_F(CapturePreferencesWriting, MergesAPatternThatChangesInTheMiddleOfAPass)
+{
+    m_tree.add("other/");
+    store("folder", withPatterns("//own //common"));
+    store("other", withPatterns("//common //else"));
+    ASSERT_TRUE(m_controller.prepareWithItems(urlsOf({"folder", "other"})));
+    const PatternFilterDefPtr edited = m_controller.patternTableController()->filterDefs().front();
+    m_controller.makeDirty();
+    m_timers.setStep(200ms); // each look at the clock: every item is slow
+    QTimer::singleShot(0, [edited] { edited->setSinglePattern(QStringLiteral("else")); });
+    EXPECT_TRUE(m_controller.setModifiedPrefs());
+    EXPECT_EQ(linesOf(stored("folder")), "//common //own");
+    EXPECT_EQ(linesOf(stored("other")), "//else");
+}
+
 TEST_F(CapturePreferencesWriting, DropsEachFoldersOwnPatternsWithThePlaceholder)
 {
     m_tree.add("other/");

@@ -69,10 +69,16 @@ TEST(CommonPatterns, LeaveEachFolderItsOwn)
         {"//x //a", "//a //x //y", "//a", "//x //a //y"},
         {"//a", "", "", "//a"},
         {"//a", "//x //x", "", "//a //x"},
+        {"", "//x //a //x //y //a", "//a", "//x //y"},
+        {"//a //a", "//x", "//a", "//a //a //x"},
+        {"//b //a", "//a //y //b //x", "//a //b", "//b //a //y //x"},
+        {"//y //b //x //a", "//a //y //b //x //z", "//a //b", "//y //b //x //a //z"},
+        {"//y //y", "//y //a", "//a", "//y //y"},
     };
     for (const Row& row : rows) {
         const PatternSet common(patterns(row.common));
-        EXPECT_EQ(texts(withOwnPatterns(patterns(row.edited), patterns(row.own), common)), row.merged);
+        const PatternFilterDefs own = ownPatterns(patterns(row.own), common);
+        EXPECT_EQ(texts(withOwnPatterns(patterns(row.edited), own, common)), row.merged);
     }
 }
 
