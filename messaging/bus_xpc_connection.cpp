@@ -167,8 +167,8 @@ int BusXPCConnection::pin()
 
 int BusXPCConnection::findOwner(BusRouter& router, QByteArray& owner) const
 {
-    if (m_target.endpoint) {
-        owner = m_target.endpoint->owner;
+    if (isToEndpoint()) {
+        owner = m_target.endpoint.owner;
         return 0;
     }
     const int error = router.bus().ownerOf(bus_names::ofService(m_target.serviceName), owner);
@@ -188,7 +188,7 @@ int BusXPCConnection::startOwner(BusRouter& router, QByteArray& owner) const
 
 QByteArray BusXPCConnection::prefix() const
 {
-    return m_target.endpoint ? m_target.endpoint->pathPrefix : bus_names::pathOfService(m_target.serviceName);
+    return isToEndpoint() ? m_target.endpoint.pathPrefix : bus_names::pathOfService(m_target.serviceName);
 }
 
 /// The same user's on the session's bus, where nobody else should be; on the machine's bus root's, which vouches for
@@ -199,7 +199,7 @@ bool BusXPCConnection::isRightUser(uid_t user) const
     const bool isSame = user == platform::identity().effectiveUser();
     if (m_target.kind == BusKind::Session)
         return isSame;
-    return isAccepted || user == 0 || (m_target.endpoint && isSame);
+    return isAccepted || user == 0 || (isToEndpoint() && isSame);
 }
 
 int BusXPCConnection::checkPeer()

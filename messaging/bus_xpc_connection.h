@@ -21,8 +21,8 @@ public:
     /// Who is to be at the other end.
     struct Target
     {
-        QString serviceName{};                 ///< null: the endpoint is
-        std::optional<XPCEndpoint> endpoint{}; ///< none: the service is
+        QString serviceName{};  ///< null: the endpoint is
+        XPCEndpoint endpoint{}; ///< where there is no service name
         platform::BusKind kind = platform::BusKind::Session;
     };
 
@@ -69,6 +69,7 @@ private:
     [[nodiscard]] int pin();
     [[nodiscard]] int findOwner(BusRouter& router, QByteArray& owner) const;
     [[nodiscard]] int startOwner(BusRouter& router, QByteArray& owner) const;
+    [[nodiscard]] bool isToEndpoint() const { return m_target.serviceName.isNull(); }
     [[nodiscard]] bool isRightUser(uid_t user) const;
     [[nodiscard]] QByteArray prefix() const;
     [[nodiscard]] platform::BusCall callOf(const QByteArray& interface, const QByteArray& member) const;

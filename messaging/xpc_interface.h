@@ -34,7 +34,8 @@ public:
     [[nodiscard]] QSet<QByteArray> classesFor(const ReplyArgument& argument) const;
     void setClasses(const QSet<QByteArray>& classes, const ReplyArgument& argument);
 
-    /// The interface of the remote object that a reply argument is; null when it is a plain value.
+    /// The interface of the remote object that a reply argument is; null when it is a plain value. Such an argument
+    /// travels as an endpoint or none, "a(so)": who wants to speak to the object connects to it.
     [[nodiscard]] XPCInterfacePtr interfaceFor(const ReplyArgument& argument) const;
     void setInterface(XPCInterfacePtr interface, const ReplyArgument& argument);
 

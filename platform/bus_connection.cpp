@@ -116,7 +116,7 @@ void BusConnection::call(const BusCall& call, BusReplyHandler handler)
 {
     const auto shared = std::make_shared<BusReplyHandler>(std::move(handler));
     BusLoop* loop = m_loop.get();
-    const bool queued = m_loop->post([loop, call, shared] { HeldCall::send(*loop, call, std::move(*shared)); });
+    const bool queued = m_loop->runSoon([loop, call, shared] { HeldCall::send(*loop, call, std::move(*shared)); });
     if (!queued)
         (*shared)(BusReply{.error = ENOTCONN});
 }
@@ -140,7 +140,7 @@ int BusConnection::send(const BusCall& call)
 void BusConnection::post(const BusCall& call, std::function<void(int error)> failed)
 {
     BusLoop* loop = m_loop.get();
-    const bool queued = m_loop->post([loop, call, failed] {
+    const bool queued = m_loop->runSoon([loop, call, failed] {
         if (const int error = sendOneWay(*loop, call); error != 0)
             failed(error);
     });

@@ -97,6 +97,36 @@ bool BusLoop::post(Task task)
     return true;
 }
 
+bool BusLoop::runSoon(Task task)
+{
+    if (isCurrent())
+        return post(std::move(task));
+    const std::unique_lock turn(m_turn, std::try_to_lock);
+    if (!turn.owns_lock() || m_bus == nullptr || isOver() || !isQueueEmpty())
+        return post(std::move(task));
+    m_runner = std::this_thread::get_id();
+    task();
+    wakeIfNeeded();
+    m_runner = std::thread::id();
+    return true;
+}
+
+/// The event thread waits for what was to be waited for when it began to.
+void BusLoop::wakeIfNeeded()
+{
+    uint64_t until = UINT64_MAX;
+    const bool isWhole = (busLibrary()->sd_bus_get_events(m_bus) & POLLOUT) == 0;
+    const bool isTimeless = busLibrary()->sd_bus_get_timeout(m_bus, &until) >= 0 && until == UINT64_MAX;
+    if (!isWhole || !isTimeless)
+        ::eventfd_write(m_wake.get(), 1);
+}
+
+bool BusLoop::isQueueEmpty()
+{
+    const std::lock_guard lock(m_mutex);
+    return m_tasks.empty();
+}
+
 bool BusLoop::run(const Task& task)
 {
     if (isCurrent()) {
@@ -133,7 +163,8 @@ BusHeld* BusLoop::held(quint64 number) const
 
 void BusLoop::live(BusKind kind, const QByteArray& address)
 {
-    m_id = std::this_thread::get_id();
+    m_turn.lock();
+    m_runner = std::this_thread::get_id();
     blockSignals();
     ::pthread_setname_np(::pthread_self(), "bus");
     if (const int error = open(kind, address); error != 0)
@@ -146,7 +177,8 @@ void BusLoop::live(BusKind kind, const QByteArray& address)
     }
     runTasks();
     lose(ECANCELED);
-    m_id = std::thread::id();
+    m_runner = std::thread::id();
+    m_turn.unlock();
 }
 
 int BusLoop::open(BusKind kind, const QByteArray& address)
@@ -240,9 +272,15 @@ void BusLoop::wait()
     };
     if (events < 0)
         return; // what is wrong, processing will tell
-    ::poll(watched, std::size(watched), pollTimeout());
+    const int timeout = pollTimeout();
+    m_runner = std::thread::id();
+    m_turn.unlock();
+    ::poll(watched, std::size(watched), timeout);
+    m_turn.lock();
+    m_runner = std::this_thread::get_id();
     eventfd_t times = 0;
-    ::eventfd_read(m_wake.get(), &times);
+    if (watched[0].revents != 0)
+        ::eventfd_read(m_wake.get(), &times);
 }
 
 void BusLoop::lose(int error)

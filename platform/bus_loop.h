@@ -46,8 +46,9 @@ struct EndBusMessage
 };
 using OwnedBusMessage = std::unique_ptr<sd_bus_message, EndBusMessage>;
 
-/// The event thread of one connection. The library's bus object, its messages and its slots belong to one thread: this
-/// one. Others hand it tasks.
+/// The event thread of one connection. The library's bus object, its messages and its slots belong to one thread at a
+/// time: to this one, except while it waits for the bus, when another thread may borrow them for a task. That spares a
+/// message two changes of threads.
 ///
 /// Threads: any thread, except where a member says otherwise.
 class BusLoop
@@ -72,15 +73,20 @@ public:
 
     /// Queues \p task. \return false when the thread has ended or will: it is then dropped.
     bool post(Task task);
-    /// Runs \p task on the event thread and waits for it; at once where it is called there.
+    /// Runs \p task here, when the event thread waits and nothing is queued; queues it otherwise. The order of one
+    /// thread's tasks is kept.
+    /// \return false when the thread has ended or will: it is then dropped.
+    bool runSoon(Task task);
+    /// Runs \p task on the event thread and waits for it; at once where it is called there, or in another task.
     /// \return false when the thread has ended: it is then dropped.
     bool run(const Task& task);
-    [[nodiscard]] bool isCurrent() const noexcept { return std::this_thread::get_id() == m_id.load(); }
+    /// Whether the calling code is a task, or called by the bus.
+    [[nodiscard]] bool isCurrent() const noexcept { return std::this_thread::get_id() == m_runner.load(); }
 
     /// The unique name that the bus gave; empty before.
     [[nodiscard]] QByteArray uniqueName() const { return m_uniqueName; }
 
-    // Members for the event thread only.
+    // Members for tasks and what the bus calls.
 
     /// Null before it is opened and once it is lost.
     [[nodiscard]] sd_bus* bus() const noexcept { return m_bus; }
@@ -102,11 +108,14 @@ private:
     [[nodiscard]] int pollTimeout() const;
     void lose(int error);
     [[nodiscard]] bool isOver();
+    [[nodiscard]] bool isQueueEmpty();
+    void wakeIfNeeded();
 
     const Task m_disconnected;
     OwnedDescriptor m_wake;
     std::thread m_thread;
-    std::atomic<std::thread::id> m_id; // of the thread, as long as it lives
+    std::mutex m_turn;                     // to use the bus; the event thread has it except while it waits
+    std::atomic<std::thread::id> m_runner; // the thread whose turn it is
     std::promise<int> m_greeting;
 
     std::mutex m_mutex;

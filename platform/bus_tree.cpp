@@ -41,7 +41,7 @@ void BusAnswer::reply(const BusBody& body)
 {
     const quint64 number = std::exchange(m_held, 0);
     if (const auto loop = m_loop.lock())
-        loop->post([&loop = *loop, number, body] {
+        loop->runSoon([&loop = *loop, number, body] {
             const auto held = loop.release(number);
             if (held && sendReply(loop, messageOf(*held), body) != 0)
                 (void)sendError(loop, messageOf(*held), kFailed, QStringLiteral("The answer has no shape"));
@@ -52,7 +52,7 @@ void BusAnswer::fail(const QByteArray& name, const QString& text)
 {
     const quint64 number = std::exchange(m_held, 0);
     if (const auto loop = m_loop.lock())
-        loop->post([&loop = *loop, number, name, text] {
+        loop->runSoon([&loop = *loop, number, name, text] {
             if (const auto held = loop.release(number))
                 (void)sendError(loop, messageOf(*held), name, text);
         });

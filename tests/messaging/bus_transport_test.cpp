@@ -11,11 +11,14 @@
 #include "tests/messaging/library_object.h"
 #include "tests/messaging/library_process.h"
 #include "tests/support/awaited.h"
+#include "tests/support/temporary_tree.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 
 #include <unistd.h>
 
@@ -434,6 +437,22 @@ TEST_F(ComponentProcess, LeavesNothingBehindAfterManyConnections)
     EXPECT_EQ(router().routeCount(), 1U);
     EXPECT_EQ(router().peerCount(), 1U);
     EXPECT_EQ(caller.ask("sum:and:withReply:", {0, 0U}).values, QVariantList{qint64{1}}) << "connections over there";
+}
+
+/// The file is written by the time that the answer comes.
+TEST_F(ComponentProcess, PrintsEveryMessageWhereTheEnvironmentAsksForIt)
+{
+    const TemporaryTree tree;
+    const std::string file = tree.path("trace");
+    const LibraryProcess library(m_bus.address(), LibraryProcess::As::Same, file.c_str());
+    Caller caller(toService());
+    caller.send("notePath:", {QByteArray("/seen")});
+    ASSERT_TRUE(caller.ask("borrow:withReply:", {QStringLiteral("Emma")}).values.has_value());
+    ASSERT_TRUE(caller.barrier()) << "after the answer to the one before";
+    std::ifstream stream(file);
+    const std::string trace(std::istreambuf_iterator<char>(stream), {});
+    for (const char* each : {"notePath_", "borrow_withReply_", "STRING \"Emma\"", "Type=method_return", "RequestName"})
+        EXPECT_NE(trace.find(each), std::string::npos) << each << " in:\n" << trace;
 }
 
 TEST_F(ComponentProcess, IsReachedByAnEndpointAsLongAsItLives)

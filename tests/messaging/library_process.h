@@ -5,6 +5,7 @@
 
 #include <array>
 #include <csignal>
+#include <cstdlib>
 #include <stdexcept>
 
 #include <fcntl.h>
@@ -21,14 +22,15 @@ public:
     enum class As { Same, Nobody };
 
     /// Waits until it serves.
-    explicit LibraryProcess(const QByteArray& address, As user = As::Same)
+    /// \param trace a file for all its messages; null: none is wanted
+    explicit LibraryProcess(const QByteArray& address, As user = As::Same, const char* trace = nullptr)
     {
         std::array<int, 2> told{};
         if (::pipe2(told.data(), O_CLOEXEC) != 0)
             throw std::runtime_error("no pipe");
         m_process = ::fork();
         if (m_process == 0)
-            run(address, user, told[1]);
+            run(address, user, told[1], trace);
         ::close(told[1]);
         char byte = 0;
         const bool serves = ::read(told[0], &byte, 1) == 1;
@@ -58,11 +60,14 @@ public:
     void resume() const { ::kill(m_process, SIGCONT); }
 
 private:
-    [[noreturn]] static void run(const QByteArray& address, As user, int told)
+    [[noreturn]] static void run(const QByteArray& address, As user, int told, const char* trace)
     {
         constexpr uid_t kNobody = 65534;
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         ::dup2(told, 1);
+        if (trace != nullptr && (::setenv("HAVREL_TRACE_BUS", "1", 1) != 0 ||
+                                 ::dup2(::open(trace, O_WRONLY | O_CREAT | O_CLOEXEC, 0600), 2) < 0))
+            ::_exit(125);
         if (user == As::Nobody && (::setegid(kNobody) != 0 || ::seteuid(kNobody) != 0))
             ::_exit(126);
         ::execl(HAVREL_LIBRARY_PROGRAM, HAVREL_LIBRARY_PROGRAM, address.constData(), nullptr);
