@@ -29,8 +29,9 @@ ArchiveListView::ArchiveListView(QWidget* parent)
     setResizeMode(Adjust);
 }
 
-QRect ArchiveListView::rectOfRows(int first, int last) const
+QRect ArchiveListView::rectOfRows(int first, int last)
 {
+    doItemsLayout(); // what flows may have another height now
     return visualRect(model()->index(first, 0)).united(visualRect(model()->index(last, 0)));
 }
 

@@ -17,7 +17,7 @@ public:
     explicit ArchiveListView(QWidget* parent = nullptr);
 
     /// The rectangle that holds all rows from \p first to \p last, in the viewport.
-    [[nodiscard]] QRect rectOfRows(int first, int last) const;
+    [[nodiscard]] QRect rectOfRows(int first, int last);
     /// The height of the list with its frame that shows \p height pixels of rows.
     [[nodiscard]] int frameHeightForContentHeight(int height) const;
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;

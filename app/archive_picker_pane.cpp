@@ -15,7 +15,8 @@
 namespace havrel {
 namespace {
 
-constexpr int kLeastCharacters = 60;     // of the usual size, that the window is at least wide
+constexpr int kUsualCharacters = 80;     // of the usual size, that the window is wide at first
+constexpr int kLeastCharacters = 48;     // when it is made small
 constexpr int kLeastLines = 5;           // that can be seen of the list when the window is made small
 constexpr double kMostOfTheScreen = 0.8; // of the height that the screen has for windows
 constexpr double kTitleSize = 1.25;      // of the size of the other texts
@@ -62,12 +63,23 @@ void ArchivePickerPane::emphasizeTitle()
     setMinimumWidth(fontMetrics().averageCharWidth() * kLeastCharacters);
 }
 
+void ArchivePickerPane::sizeToFit()
+{
+    ensurePolished();
+    const QSize hint = layout()->totalSizeHint();
+    resize(std::max(hint.width(), kUsualCharacters * fontMetrics().averageCharWidth()), hint.height());
+    layout()->invalidate(); // a window that is not on screen is laid out only when it must be
+    layout()->activate();
+    m_pickerViewController->resizeToRows();
+}
+
 /// The window grows with the list, as far as the screen has room; then the user may size both.
 void ArchivePickerPane::fitTable(int height)
 {
     QWidget& table = *m_ui->tableView;
     const int least = std::min(height, kLeastLines * table.fontMetrics().lineSpacing());
     table.setFixedHeight(least);
+    layout()->activate(); // the window may then be as low as the list
     const int others = layout()->totalSizeHint().height() - least;
     const int fitting = std::clamp(height, least, std::max(least, roomForTable(others)));
     table.setMaximumHeight(QWIDGETSIZE_MAX);

@@ -33,6 +33,9 @@ public:
     [[nodiscard]] Ui::ArchivePickerPane& outlets() noexcept { return *m_ui; }
     [[nodiscard]] ArchivePickerViewController& pickerViewController() noexcept { return *m_pickerViewController; }
 
+    /// Gives the window, which is not on screen yet, the size that it will have there.
+    void sizeToFit();
+
 protected:
     void showEvent(QShowEvent* event) override;
     void changeEvent(QEvent* event) override;

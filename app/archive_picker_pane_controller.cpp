@@ -103,7 +103,7 @@ void ArchivePickerPaneController::runWithArchivesForItems(const QByteArrayList& 
     populateWithArchivesForItems(itemPaths);
     actionButton().setEnabled(pickerViewController().choices());
     pickerViewController().selectFirstArchive();
-    pickerViewController().resizeToRows(); // so that the window comes up in its size
+    m_window->sizeToFit(); // so that it comes up where there is room for it
     m_window->show();
     m_window->raise();
     m_window->activateWindow();

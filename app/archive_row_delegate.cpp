@@ -82,7 +82,7 @@ QSize ArchiveRowDelegate::sizeHint(const QStyleOptionViewItem& option, const QMo
     if (!view)
         return {};
     view->setFont(option.font);
-    const int width = m_table.viewport()->width();
+    const int width = m_table.width() - 2 * m_table.frameWidth(); // is up to date before that of the viewport
     const bool isFlowing = view->layout() && view->layout()->hasHeightForWidth();
     return {0, isFlowing ? view->layout()->totalHeightForWidth(width) : view->sizeHint().height()};
 }

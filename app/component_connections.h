@@ -16,4 +16,9 @@ struct ComponentConnections
     std::function<std::shared_ptr<HVConnection>()> scheduler{}; ///< which captures
 };
 
+/// Those that the process shares, found by the switchboard.
+///
+/// Threads: the main thread only.
+[[nodiscard]] ComponentConnections sharedComponentConnections();
+
 } // namespace havrel

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "app/component_connections.h"
 #include "app/missing_display.h"
 #include "app/service_options.h"
 #include "app/service_program.h"
@@ -7,8 +8,6 @@
 #include "foundation/main_queue_wall.h"
 #include "foundation/process.h"
 #include "foundation/service_address.h"
-#include "messaging/connection.h"
-#include "messaging/published_connection.h"
 #include "platform/fonts_reading.h"
 #include "platform/termination_signals.h"
 
@@ -47,10 +46,7 @@ int served(int argc, char** argv, const ServiceOptions& options)
     watch.reset();
     VisibleIndicators::install();
     QGuiApplication::setDesktopFileName(QString::fromLatin1(service_address::kBusName));
-    return ServiceProgram(options.idleInterval,
-                          signals,
-                          {.monitor = HVConnection::monitorConnection, .scheduler = HVConnection::schedulerConnection})
-        .run();
+    return ServiceProgram(options.idleInterval, signals, sharedComponentConnections()).run();
 }
 
 /// What leaves main is logged and ends here.

@@ -5,15 +5,28 @@
 #include "tests/app/archive_picker_fixture.h"
 
 #include <QAccessible>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QLayout>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
+#include <QToolTip>
 #include <QTranslator>
 
 namespace havrel::tests {
 namespace {
+
+/// Whether anything is drawn there.
+bool hasInk(const QImage& picture, const QRect& in)
+{
+    const QColor ground = picture.pixelColor(in.topLeft());
+    for (int y = in.top(); y <= in.bottom(); ++y)
+        for (int x = in.left(); x <= in.right(); ++x)
+            if (picture.pixelColor(x, y) != ground)
+                return true;
+    return false;
+}
 
 class ArchivePickerPane : public WithPicker
 {
@@ -151,6 +164,30 @@ TEST_F(ArchivePickerPane, IsAsHighAsItsRows)
     EXPECT_EQ(list().verticalScrollBar()->maximum(), 0);
 }
 
+TEST_F(ArchivePickerPane, ComesUpInTheSizeThatItKeeps)
+{
+    for (const int count : {0, 1, 5, 20}) { // the room for more depends on the frame that it gets
+        m_picker = havrel::ArchivePickerPaneController::makePickerPane();
+        run(QByteArrayList(count, "/a"));
+        const QSize size = window().size();
+        const int height = m_picker->pickerViewController().heightConstraint()->constant();
+        QCoreApplication::sendPostedEvents();
+        EXPECT_EQ(window().size(), size) << count;
+        EXPECT_EQ(m_picker->pickerViewController().heightConstraint()->constant(), height) << count;
+    }
+}
+
+TEST_F(ArchivePickerPane, IsNoHigherThanTheTextThatThereAreNone)
+{
+    runWith(0);
+    const QRect row = list().visualRect(list().model()->index(0, 0));
+    EXPECT_EQ(list().viewport()->height(), row.height());
+    const QImage picture = list().viewport()->grab().toImage();
+    const QRect below(0, row.bottom() - 8, row.width(), 8);
+    EXPECT_FALSE(hasInk(picture, below));
+    EXPECT_TRUE(hasInk(picture, below.translated(0, -list().fontMetrics().height())));
+}
+
 TEST_F(ArchivePickerPane, ScrollsWhatTheScreenHasNoRoomFor)
 {
     runWith(1000);
@@ -176,13 +213,25 @@ TEST_F(ArchivePickerPane, CanBeMadeLargerAndSmaller)
 
 TEST_F(ArchivePickerPane, CutsAPromptThatIsTooLongAndShowsAllOfItInItsToolTip)
 {
-    const int before = window().width();
-    m_picker->titleField().setText(QString(QStringLiteral("W")).repeated(255));
+    m_picker = havrel::ArchivePickerPaneController::makePickerPane();
+    const int usual = window().fontMetrics().averageCharWidth() * 80;
+    m_picker->setPrompt(QString(QStringLiteral("W")).repeated(255));
+    run({"/a"});
     QCoreApplication::sendPostedEvents();
-    window().layout()->activate();
-    EXPECT_EQ(window().width(), before);
-    EXPECT_LE(window().minimumSizeHint().width(), before);
+    EXPECT_EQ(window().width(), usual);
+    EXPECT_LT(window().minimumSizeHint().width(), usual);
     EXPECT_EQ(m_picker->titleField().text().size(), 255);
+}
+
+TEST_F(ArchivePickerPane, TellsByToolTipsWhereArchivesAre)
+{
+    const auto toolTipAt = [this](int row) {
+        QHelpEvent event(QEvent::ToolTip, centreOf(row), list().viewport()->mapToGlobal(centreOf(row)));
+        QCoreApplication::sendEvent(list().viewport(), &event);
+        return QToolTip::text();
+    };
+    EXPECT_EQ(toolTipAt(0), QString());
+    EXPECT_TRUE(toolTipAt(1).contains(QStringLiteral(">in /x<")));
 }
 
 TEST_F(ArchivePickerPane, IsReadOut)
@@ -222,17 +271,6 @@ TEST_F(ArchivePickerPane, MarksTheSelectedRowInEveryPaletteAndDirection)
         EXPECT_EQ(picture.pixelColor(selected.topRight() + QPoint(-1, 1)), QColor(10, 20, 200));
         EXPECT_EQ(picture.pixelColor(other.topLeft() + QPoint(1, 1)), QColor(30, 30, 30));
     }
-}
-
-/// Whether anything is drawn in the half of a row.
-bool hasInk(const QImage& picture, const QRect& in)
-{
-    const QColor ground = picture.pixelColor(in.topLeft());
-    for (int y = in.top(); y <= in.bottom(); ++y)
-        for (int x = in.left(); x <= in.right(); ++x)
-            if (picture.pixelColor(x, y) != ground)
-                return true;
-    return false;
 }
 
 TEST_F(ArchivePickerPane, DrawsRowsFromTheLeadingEdge)

@@ -220,7 +220,7 @@ TEST_F(ArchivePickerViewController, MakesTheListAsHighAsItsRows)
         for (int i = 0; i < count; ++i)
             paths << "/archive" + QByteArray::number(i);
         controller.addArchiveInfo(archivesAt(paths), kRecent);
-        controller.resizeToRows();
+        pane.sizeToFit();
         ArchiveListView& table = controller.tableView();
         int height = 0;
         for (int row = 0; row < table.model()->rowCount(); ++row)

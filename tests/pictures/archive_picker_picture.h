@@ -30,7 +30,7 @@ inline QPixmap archivePickerPicture(const TemporaryTree& tree, bool hasArchives)
     action.setText(QCoreApplication::translate("havrel::HavrelServices", "Capture"));
     action.setEnabled(list.choices());
     list.selectFirstArchive();
-    list.resizeToRows();
+    pane.sizeToFit();
     pane.show();
     QApplication::setActiveWindow(&pane);
     QApplication::processEvents();
