@@ -52,7 +52,7 @@ void fill(ArchivePickerPane& pane, const QList<QVariantMap>& archives)
 {
     pane.pickerViewController().addArchiveInfo(archives, QStringLiteral("recent"));
     pane.pickerViewController().selectFirstArchive();
-    pane.pickerViewController().resizeToRows();
+    pane.sizeToFit();
     pane.show();
     QApplication::processEvents();
     (void)pane.grab();
