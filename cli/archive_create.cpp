@@ -30,11 +30,12 @@ void make(const ArchiveFile& archive, const QByteArray& path)
     try {
         if (hasKeyFile)
             makeKeyFile(archive.identifier);
+        else
+            allowKeyCommand(archive.identifier, archive.key.command);
         engineOf(archive)->makeRepository();
     } catch (...) {
         (void)platform::removeItem(path);
-        if (hasKeyFile)
-            removeKeyFile(archive.identifier);
+        removeKeyFile(archive.identifier);
         throw;
     }
     ArchiveRegistry().note(archive, path);
@@ -82,7 +83,8 @@ void defineArchiveCreate(Command& command)
                    "\n"
                    "The key is made at random and kept in a file that only you can read, unless a command is to give\n"
                    "it: 'pass show backup', say. That is run without a shell; words with spaces are quoted. With such\n"
-                   "a command, a repository that is there already is taken over if the key opens it.\n"
+                   "a command, a repository that is there already is taken over if the key opens it. Only what you\n"
+                   "have given yourself is ever run: an archive file that names another command is refused.\n"
                    "\n"
                    "Examples:\n"
                    "  havrel archive create Home.zephra --repository /media/disk/backup");

@@ -17,7 +17,7 @@ inline constexpr QLatin1StringView kArchiveException{"Archive"};
 /// How the key of an archive's repository is got.
 struct ArchiveKeySource
 {
-    QString command;  ///< prints the key; empty: it is in the key file that archive_key.h knows
+    QString command;  ///< prints the key, if this user has allowed it; empty: it is in a key file; see archive_key.h
     QVariantMap rest; ///< what else is stored beside, which this version does not know
 
     friend bool operator==(const ArchiveKeySource&, const ArchiveKeySource&) = default;

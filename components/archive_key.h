@@ -19,7 +19,21 @@ namespace havrel {
 /// Threads: any thread.
 void makeKeyFile(const QString& identifier);
 
-/// Takes away a key that turned out to be of no use. What cannot be removed stays.
+/// Remembers, beside the key files, that this user has given \p command as what prints the key of the archive
+/// \p identifier. An archive file alone must not say what is run: whoever opens one that came from elsewhere would run
+/// it.
+///
+/// \throws HVException "Archive" when it cannot be kept.
+///
+/// Threads: any thread.
+void allowKeyCommand(const QString& identifier, const QString& command);
+
+/// Whether this user has given exactly that command. Blocks on the disk.
+///
+/// Threads: any thread.
+[[nodiscard]] bool isAllowedKeyCommand(const QString& identifier, const QString& command);
+
+/// Takes away a key, or the command for it, that turned out to be of no use. What cannot be removed stays.
 ///
 /// Threads: any thread.
 void removeKeyFile(const QString& identifier);

@@ -31,6 +31,12 @@ platform::Proceed told(const Program::LineBlock& block, const QByteArray& line)
     return block ? block(line) : platform::Proceed::Yes;
 }
 
+QByteArrayList refusalOf(const QString& command)
+{
+    return {"the archive file wants this to be run for its key: " + command.toUtf8(),
+            "which you have not given here; if it is yours, make the archive here once more, with that --key-command"};
+}
+
 } // namespace
 
 Program::Program(const ArchiveFile& archive)
@@ -39,12 +45,16 @@ Program::Program(const ArchiveFile& archive)
 {
     if (archive.key.command.isEmpty())
         m_common += {"--password-file", keyFileOf(archive.identifier)};
-    else
+    else if (isAllowedKeyCommand(archive.identifier, archive.key.command))
         m_common += {"--password-command", archive.key.command.toUtf8()};
+    else
+        m_refusedCommand = archive.key.command;
 }
 
 Outcome Program::run(const Call& call) const
 {
+    if (!m_refusedCommand.isEmpty())
+        raiseFault(EngineFault::KeyUnavailable, refusalOf(m_refusedCommand), m_place);
     const QByteArray program = platform::programOfName("restic");
     if (program.isEmpty())
         raiseFault(EngineFault::ProgramMissing, {"restic: not found in PATH"}, m_place);

@@ -52,7 +52,8 @@ public:
 
 private:
     QByteArray m_place;
-    QByteArrayList m_common; // options of every call
+    QString m_refusedCommand; // which the archive names for its key, but the user has not given
+    QByteArrayList m_common;  // options of every call
 };
 
 } // namespace havrel::restic

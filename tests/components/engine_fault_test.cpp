@@ -95,12 +95,34 @@ TEST_F(AnEngine, TellsThatTheKeyCannotBeGot)
     removeKeyFile(m_archive.identifier);
     EXPECT_EQ(raisedByCapturing().fault, "key-unavailable");
 
-    m_archive.key.command = QStringLiteral("false");
+    for (const char* command : {"false", "/no/such/program"}) {
+        m_archive.key.command = QString::fromLatin1(command);
+        allowKeyCommand(m_archive.identifier, m_archive.key.command);
+        m_engine = engineOf(m_archive);
+        EXPECT_EQ(raisedByCapturing().fault, "key-unavailable") << command;
+    }
+}
+
+TEST_F(AnEngine, RunsNoCommandThatOnlyTheArchiveFileNames)
+{
+    const QByteArray trace = m_tree.bytes("trace");
+    const QString opening = QStringLiteral("sh -c 'touch %1; cat %2'")
+                                .arg(QString::fromUtf8(trace), QString::fromUtf8(keyFileOf(m_archive.identifier)));
+    m_archive.key.command = opening;
     m_engine = engineOf(m_archive);
-    EXPECT_EQ(raisedByCapturing().fault, "key-unavailable");
-    m_archive.key.command = QStringLiteral("/no/such/program");
+    const Raised refused = raisedByCapturing();
+    EXPECT_EQ(refused.fault, "key-unavailable");
+    EXPECT_NE(refused.words.find("which you have not given here"), std::string::npos) << refused.words;
+
+    allowKeyCommand(m_archive.identifier, opening + QLatin1Char(' '));
     m_engine = engineOf(m_archive);
-    EXPECT_EQ(raisedByCapturing().fault, "key-unavailable");
+    EXPECT_EQ(raisedByCapturing().fault, "key-unavailable") << "another one";
+    EXPECT_FALSE(platform::itemExists(trace));
+
+    allowKeyCommand(m_archive.identifier, opening);
+    m_engine = engineOf(m_archive);
+    EXPECT_TRUE(m_engine->captures().isEmpty());
+    EXPECT_TRUE(platform::itemExists(trace));
 }
 
 TEST_F(AnEngine, TellsThatNothingIsAtItsPlace)
@@ -141,6 +163,7 @@ TEST_F(AnEngine, TakesNoRepositoryOverThatIsThereAlready)
     EXPECT_EQ(raisedBy([this] { m_engine->makeRepository(); }).fault, "already-there");
 
     m_archive.key.command = QStringLiteral("echo wrong");
+    allowKeyCommand(m_archive.identifier, m_archive.key.command);
     EXPECT_EQ(raisedBy([this] { engineOf(m_archive)->makeRepository(); }).fault, "wrong-key");
 }
 

@@ -244,6 +244,7 @@ TEST_F(ResticEngine, OpensWithTheKeyThatACommandPrints)
 {
     ArchiveFile other = m_archive;
     other.key.command = QStringLiteral("cat '%1'").arg(QString::fromUtf8(keyFileOf(m_archive.identifier)));
+    allowKeyCommand(other.identifier, other.key.command);
     const auto engine = engineOf(other);
 
     engine->makeRepository(); // takes over the one that is there, because the key opens it
