@@ -48,12 +48,21 @@ QList<EngineProblem> Restore::run(const QByteArrayList& items, const QByteArray&
     if (named.removeAll("/") > 0)
         addProblem("/", QStringLiteral("it has no name; restore what is in it"));
     const QByteArrayList wanted = itemsWithRoom(withoutCovered(named), restored);
-    if (!wanted.isEmpty())
+    if (!wanted.isEmpty()) {
         bringBack(wanted, restored);
+        tellOfLostAttributes(folder, restored);
+    }
     for (const QByteArray& each : wanted)
         if (!m_failed.contains(each))
             place(each, restored);
     return m_problems;
+}
+
+/// The engine says nothing about attributes that it could not set.
+void Restore::tellOfLostAttributes(const QByteArray& folder, const RestoredItems& restored)
+{
+    if (platform::writeAttribute(restored.folder(), "user.com.havrel.restored", "1") == ENOTSUP)
+        addProblem(folder, QStringLiteral("its file system keeps no attributes: the items come back without theirs"));
 }
 
 QByteArrayList Restore::itemsWithRoom(const QByteArrayList& items, const RestoredItems& restored)

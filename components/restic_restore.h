@@ -20,6 +20,7 @@ public:
 
 private:
     [[nodiscard]] QByteArrayList itemsWithRoom(const QByteArrayList& items, const RestoredItems& restored);
+    void tellOfLostAttributes(const QByteArray& folder, const RestoredItems& restored);
     void bringBack(const QByteArrayList& items, const RestoredItems& restored);
     void takeFailure(const QByteArray& line, const RestoredItems& restored);
     void mend(const QByteArray& item, const RestoredItems& restored);

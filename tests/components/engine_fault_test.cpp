@@ -14,6 +14,8 @@
 #include <QElapsedTimer>
 #include <QProcess>
 
+#include <cerrno>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -261,6 +263,23 @@ TEST_F(AnEngine, RestoresWhatHasRoom)
     EXPECT_TRUE(problems[0].reason.contains(QStringLiteral("no space left"))) << qPrintable(problems[0].reason);
     EXPECT_EQ(platform::readFile(m_tree.bytes("small/items/one")).bytes, "1");
     EXPECT_FALSE(platform::itemExists(m_tree.bytes("small/items/large"))) << "nothing is half there";
+}
+
+TEST_F(AnEngine, TellsWhenAttributesHaveNoPlaceToComeBackTo)
+{
+    ASSERT_EQ(platform::writeAttribute(m_tree.bytes("items/one"), "user.test", "1"), 0);
+    capture({m_items});
+    m_tree.add("bare/");
+    const MountedFolder bare("ramfs", m_tree.bytes("bare"), "");
+    HAVREL_NEEDS_MOUNTED(bare);
+    if (platform::writeAttribute(m_tree.bytes("bare"), "user.test", "1") != ENOTSUP)
+        GTEST_SKIP() << "this system's ramfs keeps attributes";
+
+    EXPECT_EQ(restore({m_items}, "bare"),
+              QList<EngineProblem>(
+                  {{QString::fromUtf8(m_tree.bytes("bare")),
+                    QStringLiteral("its file system keeps no attributes: the items come back without theirs")}}));
+    EXPECT_EQ(platform::readFile(m_tree.bytes("bare/items/one")).bytes, "1");
 }
 
 /// A program of the engine's name that runs a script of the shell first.
