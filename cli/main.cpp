@@ -17,6 +17,7 @@ namespace {
 constexpr auto kGroups = std::to_array<SubcommandGroup>({
     {"archive", "Archives, which hold what was captured"},
     {"captureprefs", "Capture preferences of files and folders"},
+    {"components", "Components of the product"},
     {"pattern", "Exclusion patterns"},
     {"log", "Lines of the log"},
 });
@@ -36,6 +37,7 @@ constexpr auto kSubcommands = std::to_array<Subcommand>({
     {"captureprefs", "list", "Find the items below folders that carry preferences", defineCaptureprefsList},
     {"captureprefs", "export", "Write the preferences of everything below folders as JSON", defineCaptureprefsExport},
     {"captureprefs", "import", "Give items the preferences that were exported", defineCaptureprefsImport},
+    {"components", "run", "Serve as all components of the product", defineComponentsRun},
     {"pattern", "check", "Tell whether patterns are valid, and how they are understood", definePatternCheck},
     {"", "integrations", "Show, add or remove the commands in file managers", defineIntegrations},
     {"log", "id", "Take the identities of log lines apart", defineLogId},

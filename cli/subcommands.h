@@ -21,6 +21,7 @@ void defineCaptureprefsImport(Command& command);
 void defineCaptureprefsList(Command& command);
 void defineCaptureprefsSet(Command& command);
 void defineCaptureprefsShow(Command& command);
+void defineComponentsRun(Command& command);
 void defineIntegrations(Command& command);
 void defineLogId(Command& command);
 void definePatternCheck(Command& command);

@@ -85,19 +85,23 @@ TEST(Program, TellsWhichCommandItDoesNotKnowAndWhichThereAre)
     };
     const Row rows[] = {
         {{"bogus"},
-         "\"havrel\" has no command \"bogus\"; it has archive, captureprefs, pattern, log, capture, reveal, integrations"
+         "\"havrel\" has no command \"bogus\"; it has archive, captureprefs, components, pattern, log, capture, "
+         "reveal, integrations"
          " (see 'havrel --help')"},
         {{"bogus", "more"},
-         "\"havrel\" has no command \"bogus\"; it has archive, captureprefs, pattern, log, capture, reveal, integrations"
+         "\"havrel\" has no command \"bogus\"; it has archive, captureprefs, components, pattern, log, capture, "
+         "reveal, integrations"
          " (see 'havrel --help')"},
         {{},
-         "\"havrel\" needs a command; it has archive, captureprefs, pattern, log, capture, reveal, integrations"
+         "\"havrel\" needs a command; it has archive, captureprefs, components, pattern, log, capture, reveal, "
+         "integrations"
          " (see 'havrel --help')"},
         {{"pattern", "bogus"},
          "\"havrel pattern\" has no command \"bogus\"; it has check (see 'havrel pattern --help')"},
         {{"pattern"}, "\"havrel pattern\" needs a command; it has check (see 'havrel pattern --help')"},
         {{"--", "[x"},
-         "\"havrel\" has no command \"[x\"; it has archive, captureprefs, pattern, log, capture, reveal, integrations"
+         "\"havrel\" has no command \"[x\"; it has archive, captureprefs, components, pattern, log, capture, reveal, "
+         "integrations"
          " (see 'havrel --help')"},
         {{"--bogus"}, "\"havrel\" has no option \"--bogus\" (see 'havrel --help')"},
         {{"log", "-x"}, "\"havrel log\" has no option \"-x\" (see 'havrel log --help')"},

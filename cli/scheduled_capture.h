@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayList>
+
+namespace havrel::cli {
+
+class Report;
+
+/// Has the user's scheduler capture \p items into the archive at \p archive, all of them absolute and plain, and waits
+/// until that is done, with a bar. What went wrong is told to \p report.
+///
+/// Threads: the main thread only.
+void captureByScheduler(const QByteArray& archive, const QByteArrayList& items, Report& report);
+
+} // namespace havrel::cli
