@@ -11,7 +11,6 @@
 namespace havrel {
 
 class Component;
-class HVSwitchboardConnection;
 class Protocol;
 
 /// Under which names a component is found.
@@ -24,7 +23,7 @@ struct PublicationSettings
 
 /// Makes a component reachable for processes of this user, as long as it lives: publishes its endpoint at the
 /// process's shared switchboard connection, and again at every switchboard that this connects to later; serves the
-/// name by which it can be started, too.
+/// name by which it can be started, too. Who connects by that name finds it published when the connection is accepted.
 ///
 /// Threads: the main thread only.
 class PublishedComponent
@@ -45,13 +44,11 @@ public:
     [[nodiscard]] int start();
 
 private:
-    void publish();
+    class Publication;
 
-    const QString m_identifier;
     const std::unique_ptr<XPCListener> m_endpoint;
     const std::unique_ptr<XPCListener> m_service;
-    const std::shared_ptr<HVSwitchboardConnection> m_switchboard;
-    std::weak_ptr<XPCProxy> m_publishedAt;
+    const std::shared_ptr<Publication> m_publication;
     NotificationRegistration m_connected;
 };
 

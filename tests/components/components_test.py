@@ -166,6 +166,30 @@ def check_a_capture(folder):
     print("monitor and scheduler know of it")
 
 
+def check_deaths(folder):
+    peer = Peer(f"{ROOM}/deaths")
+
+    def process_of(name):
+        return peer.call_bus("GetConnectionUnixProcessID", "s", name)[0]
+
+    hanging = process_of("com.havrel.Monitor")
+    os.kill(hanging, signal.SIGSTOP)
+    havrel("capture", "--to", folder / "a.zephra", folder / "items")
+    os.kill(hanging, signal.SIGCONT)
+    before = peer.where("com.havrel.scheduler")
+    os.kill(process_of("com.havrel.Scheduler"), signal.SIGKILL)
+    while peer.where("com.havrel.scheduler") == before:  # until the bus has told that it has gone
+        pass
+    havrel("capture", "--to", folder / "a.zephra", folder / "items")
+    switchboard = process_of(SWITCHBOARD)
+    os.kill(switchboard, signal.SIGKILL)
+    while SWITCHBOARD in peer.call_bus("ListNames")[0]:
+        pass
+    havrel("capture", "--to", folder / "a.zephra", folder / "items")
+    assert process_of(SWITCHBOARD) != switchboard
+    print("they survive each other")
+
+
 def check_all_in_one_process():
     process = subprocess.Popen([HAVREL, "components", "run"])
     peer = Peer(f"{ROOM}/all")
@@ -195,6 +219,7 @@ def within_a_session(folder):
     check_the_switchboard()
     check_that_a_stranger_passes_as_scheduler(folder)
     check_a_capture(folder)
+    check_deaths(folder)
 
 
 def main():
