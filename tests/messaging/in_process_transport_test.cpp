@@ -44,7 +44,7 @@ protected:
     {
         m_connection = m_transport.connectionToService(kLibrary, xpc_options::kNone);
         m_connection->setRemoteObjectInterface(libraryInterface());
-        m_connection->setInvalidationHandler([this] { m_ends.tell(true); });
+        m_connection->setInvalidationHandler([ends = m_ends] { ends->tell(true); }); // may run when the test has ended
         m_connection->resume();
     }
     void ask(Awaited<Outcome>& outcomes)
@@ -66,14 +66,14 @@ protected:
     std::shared_ptr<LibraryObject> m_object = std::make_shared<LibraryObject>();
     std::unique_ptr<XPCListener> m_listener = m_transport.listenerForService(kLibrary, xpc_options::kNone);
     XPCConnectionPtr m_connection;
-    Awaited<bool> m_ends;
+    const std::shared_ptr<Awaited<bool>> m_ends = std::make_shared<Awaited<bool>>();
 };
 
 TEST_F(InProcessFaults, AreToldToAHandlerThatComesAfterTheEnd)
 {
     EXPECT_EQ(ask(), (Outcome{true, 0}));
     m_transport.invalidateFromFarSide(kLibrary);
-    ASSERT_EQ(m_ends.one(), true);
+    ASSERT_EQ(m_ends->one(), true);
     Awaited<bool> late;
 
     m_connection->setInvalidationHandler([&late] { late.tell(true); });
@@ -122,7 +122,7 @@ TEST_F(InProcessFaults, KillTheFarSideBeforeAMessage)
     atNextBarrier(Fault::DeathBefore);
     EXPECT_EQ(ask(), (Outcome{false, xpc_error::kConnectionInvalid}));
     EXPECT_EQ(m_object->noted.count(), 1U);
-    EXPECT_TRUE(m_ends.one().has_value());
+    EXPECT_TRUE(m_ends->one().has_value());
 }
 
 TEST_F(InProcessFaults, KillTheFarSideWithTheReplyInItsHands)
@@ -130,7 +130,7 @@ TEST_F(InProcessFaults, KillTheFarSideWithTheReplyInItsHands)
     atNextBarrier(Fault::DeathAfterwards);
     EXPECT_EQ(ask(), (Outcome{false, xpc_error::kConnectionInvalid}));
     EXPECT_EQ(m_object->noted.count(), 1U);
-    EXPECT_TRUE(m_ends.one().has_value());
+    EXPECT_TRUE(m_ends->one().has_value());
 }
 
 TEST_F(InProcessFaults, EndAllConnectionsFromTheFarSide)
@@ -138,7 +138,7 @@ TEST_F(InProcessFaults, EndAllConnectionsFromTheFarSide)
     EXPECT_EQ(ask(), (Outcome{true, 0}));
     EXPECT_EQ(m_transport.connectionsOpen(kLibrary), 1);
     m_transport.invalidateFromFarSide(kLibrary);
-    EXPECT_TRUE(m_ends.one().has_value());
+    EXPECT_TRUE(m_ends->one().has_value());
     EXPECT_EQ(m_transport.connectionsOpen(kLibrary), 0);
     connect();
     EXPECT_EQ(ask(), (Outcome{true, 0}));
