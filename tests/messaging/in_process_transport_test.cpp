@@ -79,7 +79,7 @@ TEST_F(InProcessFaults, AreToldToAHandlerThatComesAfterTheEnd)
     m_connection->setInvalidationHandler([&late] { late.tell(true); });
 
     EXPECT_EQ(late.one(), true);
-    EXPECT_EQ(m_ends.count(), 1U);
+    EXPECT_EQ(m_ends->count(), 1U);
 }
 
 TEST_F(InProcessFaults, RefuseAService)
