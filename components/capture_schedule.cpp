@@ -33,6 +33,12 @@ double finite(double time)
     return std::isfinite(time) ? time : 0;
 }
 
+template<class Iterator>
+Iterator withIdentifier(Iterator begin, Iterator end, const QString& id)
+{
+    return std::find_if(begin, end, [&id](const ScheduledAction& each) { return each.id == id; });
+}
+
 void takeFailure(RunSummary& run, const QString& reason, const QString& fault)
 {
     run.reason = reason.isNull() ? u"for an unknown reason"_s : reason;
@@ -151,9 +157,7 @@ void CaptureSchedule::clockChanged()
 /// One that has not begun.
 auto CaptureSchedule::find(const QString& id) -> Actions::iterator
 {
-    return std::find_if(m_actions.begin(), m_actions.end(), [&, this](const ScheduledAction& each) {
-        return each.id == id && each.id != m_running;
-    });
+    return id == m_running ? m_actions.end() : withIdentifier(m_actions.begin(), m_actions.end(), id);
 }
 
 // ---- when
@@ -171,11 +175,14 @@ double CaptureSchedule::dueTimeOf(const ScheduledAction& action) const
 
 auto CaptureSchedule::next() const -> Actions::const_iterator
 {
-    const auto first =
-        std::min_element(m_actions.begin(), m_actions.end(), [this](const auto& left, const auto& right) {
-            return dueTimeOf(left) < dueTimeOf(right);
-        });
-    return first != m_actions.end() && std::isfinite(dueTimeOf(*first)) ? first : m_actions.end();
+    auto first = m_actions.cend();
+    double earliest = std::numeric_limits<double>::infinity();
+    for (auto each = m_actions.cbegin(); each != m_actions.cend(); ++each)
+        if (const double due = dueTimeOf(*each); due < earliest) {
+            earliest = due;
+            first = each;
+        }
+    return first;
 }
 
 void CaptureSchedule::waitForChange()
@@ -263,8 +270,7 @@ QVariantMap CaptureSchedule::volatileInfo() const
 {
     const MutexLock guard(m_lock);
     QVariantMap info{{u"queued"_s, qint64{m_actions.size()}}, {kHoldTime, m_holdTime}, {u"clockAhead"_s, m_clockAhead}};
-    const auto running = std::find_if(
-        m_actions.begin(), m_actions.end(), [this](const ScheduledAction& each) { return each.id == m_running; });
+    const auto running = withIdentifier(m_actions.begin(), m_actions.end(), m_running);
     if (running == m_actions.end())
         return info;
     info.insert({{u"running"_s, running->asDictionary()},
