@@ -8,7 +8,7 @@
 #include "foundation/main_queue_wall.h"
 #include "foundation/process.h"
 #include "foundation/service_address.h"
-#include "platform/fonts_reading.h"
+#include "platform/reading_ahead.h"
 #include "platform/termination_signals.h"
 
 #include <QApplication>
@@ -40,7 +40,7 @@ int told(const ServiceOptions& options)
 int served(int argc, char** argv, const ServiceOptions& options)
 {
     platform::TerminationSignals signals; // before anything makes a thread
-    const platform::FontsReading fonts;
+    const platform::ReadingAhead ahead;
     std::optional<MissingDisplayWatch> watch(std::in_place);
     const WithMainQueueWall<QApplication> application(argc, argv);
     watch.reset();

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "platform/fonts_reading.h"
+#include "platform/reading_ahead.h"
+
+#include "platform/systemd_library.h"
 
 #include <system_error>
 
@@ -18,17 +20,23 @@ void readFonts()
         init();
 }
 
+void readAll()
+{
+    (void)systemdSymbol("sd_bus_new"); // the bus is asked for first
+    readFonts();
+}
+
 } // namespace
 
-FontsReading::FontsReading()
+ReadingAhead::ReadingAhead()
 {
     try {
-        m_thread = std::thread(readFonts);
-    } catch (const std::system_error&) { // no thread left: the toolkit reads them when it needs them
+        m_thread = std::thread(readAll);
+    } catch (const std::system_error&) { // no thread left: all is read when it is needed
     }
 }
 
-FontsReading::~FontsReading()
+ReadingAhead::~ReadingAhead()
 {
     if (m_thread.joinable())
         m_thread.join();
