@@ -58,7 +58,8 @@ QByteArray ofProtocol(const QByteArray& protocolName)
 
 std::optional<QByteArray> protocolOf(const QByteArray& interface)
 {
-    return interface.startsWith(kPrefix) ? std::optional(interface.sliced(QByteArrayView(kPrefix).size())) : std::nullopt;
+    return interface.startsWith(kPrefix) ? std::optional(interface.sliced(QByteArrayView(kPrefix).size()))
+                                         : std::nullopt;
 }
 
 QByteArray ofMessage(const QByteArray& keywordName)

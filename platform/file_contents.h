@@ -21,7 +21,6 @@ struct FileContents
 /// \source open(2), read(2)
 ///
 /// Threads: any thread.
-[[nodiscard]] FileContents readFile(const QByteArray& path,
-                                    qsizetype longest = std::numeric_limits<qsizetype>::max());
+[[nodiscard]] FileContents readFile(const QByteArray& path, qsizetype longest = std::numeric_limits<qsizetype>::max());
 
 } // namespace havrel::platform
