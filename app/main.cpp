@@ -8,6 +8,7 @@
 #include "foundation/main_queue_wall.h"
 #include "foundation/process.h"
 #include "foundation/service_address.h"
+#include "messaging/reply_threads.h"
 #include "platform/reading_ahead.h"
 #include "platform/termination_signals.h"
 
@@ -72,6 +73,7 @@ int guarded(int argc, char** argv)
 int main(int argc, char** argv)
 {
     const int status = havrel::guarded(argc, argv);
+    havrel::ReplyThreads::shared().leave();
     havrel::Logr::closeSharedLogger(); // lines may be held back
     return status;
 }

@@ -7,6 +7,7 @@
 #include "diagnostics/logr.h"
 #include "foundation/error.h"
 #include "foundation/process.h"
+#include "messaging/reply_threads.h"
 
 #include <array>
 #include <exception>
@@ -77,6 +78,7 @@ int main(int argc, char** argv)
     const std::span<const char* const> arguments(argv, static_cast<std::size_t>(argc));
     const auto own = arguments.empty() ? arguments : arguments.subspan(1);
     const havrel::cli::ExitStatus status = havrel::cli::finished(havrel::cli::guardedRun(own));
+    havrel::ReplyThreads::shared().leave();
     havrel::Logr::closeSharedLogger(); // lines may be held back
     return static_cast<int>(status);
 }

@@ -13,6 +13,7 @@
 #include "foundation/main_queue_wall.h"
 #include "foundation/process.h"
 #include "messaging/protocols.h"
+#include "messaging/reply_threads.h"
 #include "messaging/shared_connections.h"
 #include "messaging/switchboard_names.h"
 #include "platform/bus_connection.h"
@@ -150,6 +151,7 @@ int componentMain(ComponentKind kind, const char* program, int argc, char** argv
         return told(program, QStringLiteral("unknown argument; --help tells what there is"), kWrongUsage);
     int status = kFailed;
     runAtWall([&] { status = runComponents({kind}, program); });
+    ReplyThreads::shared().leave();
     Logr::closeSharedLogger(); // lines may be held back
     return status;
 }

@@ -14,6 +14,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::size_t kStartedAtOnce = 4;
 constexpr std::chrono::milliseconds kStalled{5}; // nothing taken for so long: everybody waits for something
 constexpr std::chrono::seconds kIdle{5};
+constexpr std::chrono::seconds kLongestLeave{2};
 
 } // namespace
 
@@ -26,6 +27,8 @@ ReplyThreads& ReplyThreads::shared()
 void ReplyThreads::run(Job job)
 {
     const MutexLock guard(m_lock);
+    if (m_left)
+        return;
     m_jobs.push_back(std::move(job));
     if (m_idle >= m_jobs.size())
         m_came.notifyOne();
@@ -33,6 +36,16 @@ void ReplyThreads::run(Job job)
         start();
     else if (!m_watched)
         startWatch();
+}
+
+void ReplyThreads::leave()
+{
+    const MutexLock guard(m_lock);
+    m_left = true;
+    m_came.notifyAll();
+    const auto deadline = Clock::now() + kLongestLeave;
+    while (m_threads > 0 && m_gone.waitUntil(m_lock, deadline)) {
+    }
 }
 
 void ReplyThreads::start()
@@ -68,11 +81,12 @@ bool ReplyThreads::take(Job& job)
     ++m_idle;
     const auto deadline = Clock::now() + kIdle;
     bool inTime = true;
-    while (m_jobs.empty() && inTime)
+    while (m_jobs.empty() && inTime && !m_left)
         inTime = m_came.waitUntil(m_lock, deadline);
     --m_idle;
-    if (m_jobs.empty()) {
+    if (m_jobs.empty() || m_left) {
         --m_threads;
+        m_gone.notifyAll();
         return false;
     }
     job = std::move(m_jobs.front());
@@ -84,12 +98,12 @@ bool ReplyThreads::take(Job& job)
 void ReplyThreads::watch()
 {
     const MutexLock guard(m_lock);
-    while (!m_jobs.empty()) {
+    while (!m_jobs.empty() && !m_left) {
         const quint64 before = m_taken;
         const auto deadline = Clock::now() + kStalled;
         while (m_watch.waitUntil(m_lock, deadline)) {
         }
-        if (!m_jobs.empty() && m_taken == before)
+        if (!m_jobs.empty() && m_taken == before && !m_left)
             start();
     }
     m_watched = false;

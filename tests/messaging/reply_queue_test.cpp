@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "messaging/reply_queue.h"
 
+#include "messaging/reply_threads.h"
 #include "tests/support/awaited.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <memory>
 #include <stdexcept>
+#include <thread>
+#include <vector>
 
 namespace havrel {
 namespace {
@@ -94,6 +99,31 @@ TEST(ReplyQueue, LetsAnyNumberOfBlocksWaitForEachOther)
         });
     done[kQueues].tell(true);
     EXPECT_TRUE(done[0].one().has_value());
+}
+
+TEST(ReplyThreads, BeginNothingMoreOnceTheyAreLeftAndEndWhatRuns)
+{
+    static auto& s_all = *std::make_unique<std::vector<std::unique_ptr<ReplyThreads>>>().release();
+    ReplyThreads& threads = *s_all.emplace_back(std::make_unique<ReplyThreads>()); // some may still be on their way out
+    Awaited<bool> begun;
+    Awaited<bool> goOn;
+    std::atomic<bool> ended = false;
+    std::atomic<bool> ranLate = false;
+    threads.run([&] {
+        begun.tell(true);
+        EXPECT_TRUE(goOn.one().has_value());
+        ended = true;
+    });
+    ASSERT_TRUE(begun.one().has_value());
+
+    std::thread leaving([&] { threads.leave(); });
+    goOn.tell(true);
+    leaving.join();
+
+    EXPECT_TRUE(ended);
+    threads.run([&] { ranLate = true; });
+    threads.leave();
+    EXPECT_FALSE(ranLate);
 }
 
 } // namespace
