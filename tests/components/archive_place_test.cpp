@@ -9,21 +9,21 @@ namespace {
 TEST(ArchivePlace, IsAnAbsoluteFolderOrSomewhereElse)
 {
     const std::pair<const char*, const char*> rows[] = {
-        {"backup", "/work/backup"},
-        {"./backup/", "/work/backup"},
+        {"backup", "/home/me/backup"},
+        {"./backup/", "/home/me/backup"},
         {"/media/disk", "/media/disk"},
-        {"local:backup", "/work/backup"},
+        {"local:backup", "/home/me/backup"},
         {"local:/media/disk", "/media/disk"},
-        {"a:b", "/work/a:b"},
-        {"n\xff", "/work/n\xff"},
+        {"a:b", "/home/me/a:b"},
+        {"n\xff", "/home/me/n\xff"},
         {"sftp:user@host:/folder", "sftp:user@host:/folder"},
         {"s3:https://host/bucket", "s3:https://host/bucket"},
         {"rest:https://host/", "rest:https://host/"},
         {"rclone:remote:folder", "rclone:remote:folder"},
-        {"./sftp:folder", "/work/sftp:folder"},
+        {"./sftp:folder", "/home/me/sftp:folder"},
     };
     for (const auto& [given, place] : rows)
-        EXPECT_EQ(placeOfRepository(given, "/work"), place);
+        EXPECT_EQ(placeOfRepository(given, "/home/me"), place);
 }
 
 } // namespace
