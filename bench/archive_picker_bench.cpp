@@ -3,41 +3,19 @@
 // missing, and a step through its list. The peer is the same with 10 archives. Offscreen, medians.
 #include "app/archive_list_view.h"
 #include "app/archive_picker_pane.h"
+#include "bench/medians.h"
 #include "tests/support/temporary_tree.h"
 
 #include <QApplication>
 #include <QTest>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <functional>
-#include <vector>
 
 namespace havrel {
 namespace {
 
-using SteadyClock = std::chrono::steady_clock;
-
 constexpr int kMany = 1000;
 constexpr int kFew = 10;
-constexpr int kRounds = 21;
-
-double milliseconds(const std::function<void()>& work)
-{
-    const auto start = SteadyClock::now();
-    work();
-    return std::chrono::duration<double, std::milli>(SteadyClock::now() - start).count();
-}
-
-double median(const std::function<double()>& sample)
-{
-    std::vector<double> samples;
-    for (int round = 0; round < kRounds; ++round)
-        samples.push_back(sample());
-    std::nth_element(samples.begin(), samples.begin() + kRounds / 2, samples.end());
-    return samples[kRounds / 2];
-}
 
 QList<QVariantMap> archivesIn(const QByteArray& folder, int count)
 {

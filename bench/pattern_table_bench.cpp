@@ -2,6 +2,7 @@
 // What a pattern table of 1,000 rows costs: setting the list, scrolling through it, and typing, each with everything
 // that is laid out and painted; and what the validation of a line costs. The peer is the same with 10 rows. Offscreen,
 // medians.
+#include "bench/medians.h"
 #include "capture_prefs_ui/pattern_table_pane.h"
 #include "capture_prefs_ui/pattern_table_simple_cell_view.h"
 #include "capture_prefs_ui/pattern_table_view_controller.h"
@@ -12,36 +13,13 @@
 #include <QScrollBar>
 #include <QTest>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <functional>
-#include <vector>
 
 namespace havrel {
 namespace {
 
-using SteadyClock = std::chrono::steady_clock;
-
 constexpr int kRows = 1000;
 constexpr int kFewRows = 10;
-constexpr int kRounds = 21;
-
-double milliseconds(const std::function<void()>& work)
-{
-    const auto start = SteadyClock::now();
-    work();
-    return std::chrono::duration<double, std::milli>(SteadyClock::now() - start).count();
-}
-
-double median(const std::function<double()>& sample)
-{
-    std::vector<double> samples;
-    for (int round = 0; round < kRounds; ++round)
-        samples.push_back(sample());
-    std::nth_element(samples.begin(), samples.begin() + kRounds / 2, samples.end());
-    return samples[kRounds / 2];
-}
 
 PatternFilterDefs definitions(int count)
 {
