@@ -41,9 +41,9 @@ int statusOf(int appearError)
 } // namespace
 
 ServiceProgram::ServiceProgram(std::chrono::milliseconds idleInterval,
-                               platform::TerminationSignals& signals,
+                               platform::TerminationSignals& terminations,
                                ComponentConnections components)
-    : m_signalled(signals.descriptor(), QSocketNotifier::Read)
+    : m_signalled(terminations.descriptor(), QSocketNotifier::Read)
     , m_bus({.disconnected =
                  [this] {
                      QMetaObject::invokeMethod(
@@ -60,8 +60,8 @@ ServiceProgram::ServiceProgram(std::chrono::milliseconds idleInterval,
                                                  .idleInterval = idleInterval,
                                                  .components = std::move(components)});
     ServiceApplicationDelegate::setOfApplication(m_delegate);
-    QObject::connect(&m_signalled, &QSocketNotifier::activated, &m_signalled, [this, &signals] {
-        if (signals.take() != 0)
+    QObject::connect(&m_signalled, &QSocketNotifier::activated, &m_signalled, [this, &terminations] {
+        if (terminations.take() != 0)
             endNow();
     });
     listenToTheSession();

@@ -32,9 +32,9 @@ class TerminationSignals;
 class ServiceProgram
 {
 public:
-    /// \param signals must live longer.
+    /// \param terminations must live longer.
     ServiceProgram(std::chrono::milliseconds idleInterval,
-                   platform::TerminationSignals& signals,
+                   platform::TerminationSignals& terminations,
                    ComponentConnections components);
     ~ServiceProgram();
     ServiceProgram(const ServiceProgram&) = delete;
