@@ -10,12 +10,22 @@ set_property(GLOBAL PROPERTY HAVREL_LAYERS "")
 # without. A compiler cache makes nothing of it.
 option(HAVREL_PRECOMPILE "Precompile what nearly every source includes" OFF)
 
-function(precompile_often_included target)
-    if(HAVREL_PRECOMPILE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-        target_precompile_headers(${target} PRIVATE <QByteArray> <QDateTime> <QHash> <QList> <QString> <QStringList>
-            <QVariant> <algorithm> <array> <atomic> <chrono> <functional> <map> <memory> <mutex> <optional> <string>
-            <vector> ${ARGN})
+# precompile_often_included(<target> <kind> [<header>...]): once for all targets of a kind, because each precompiling costs
+# several seconds. The first of a kind owns what is precompiled; the kinds differ in how their code is placed (a library's
+# is independent of its position).
+function(precompile_often_included target kind)
+    if(NOT HAVREL_PRECOMPILE OR CMAKE_CXX_COMPILER_LAUNCHER)
+        return()
     endif()
+    get_property(owner GLOBAL PROPERTY HAVREL_PRECOMPILED_FOR_${kind})
+    if(owner)
+        target_precompile_headers(${target} REUSE_FROM ${owner})
+        return()
+    endif()
+    set_property(GLOBAL PROPERTY HAVREL_PRECOMPILED_FOR_${kind} ${target})
+    target_precompile_headers(${target} PRIVATE <QByteArray> <QDateTime> <QHash> <QList> <QString> <QStringList>
+        <QVariant> <algorithm> <array> <atomic> <chrono> <functional> <map> <memory> <mutex> <optional> <string>
+        <vector> ${ARGN})
 endfunction()
 
 function(add_module name)
@@ -37,7 +47,7 @@ function(add_module name)
     target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
     list(TRANSFORM ARG_LINKS PREPEND havrel::)
     target_link_libraries(${name} PUBLIC ${ARG_LINKS} ${ARG_EXTERNAL} PRIVATE havrel_flags)
-    precompile_often_included(${name})
+    precompile_often_included(${name} libraries)
     set_property(GLOBAL APPEND PROPERTY HAVREL_LAYERS ${name})
 
     set(headers ${ARG_SOURCES})
@@ -63,7 +73,7 @@ function(add_module_tests name)
     endif()
     add_executable(${name}_tests ${ARG_SOURCES})
     target_link_libraries(${name}_tests PRIVATE ${ARG_MODULES} ${ARG_LINKS} GTest::gmock ${main} havrel_flags)
-    precompile_often_included(${name}_tests <gmock/gmock.h> <gtest/gtest.h>)
+    precompile_often_included(${name}_tests tests <gmock/gmock.h> <gtest/gtest.h>)
     if(ARG_DISPLAY)
         add_test(NAME ${name} COMMAND ${PROJECT_SOURCE_DIR}/scripts/with-display $<TARGET_FILE:${name}_tests>)
         set_tests_properties(${name} PROPERTIES LABELS "display;${name}")
