@@ -20,6 +20,8 @@ public:
     {
         if (m_layout.byteOrderMark + m_layout.text.toUtf8() != file)
             m_layout.fault = QStringLiteral("it is not in UTF-8");
+        else if (m_layout.text.startsWith(QChar::ByteOrderMark)) // the reader would skip it and count from behind it
+            m_layout.fault = QStringLiteral("it begins with two byte order marks");
     }
 
     ThunarActionsLayout layout() &&

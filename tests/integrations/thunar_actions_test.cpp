@@ -125,6 +125,7 @@ TEST(ThunarActions, RefuseToTouchADamagedFile)
         Row{"<actions>&nothing;</actions>", "line 1: "},
         Row{"<other></other>", "its root is not \"actions\""},
         Row{"<actions>\xFF</actions>", "it is not in UTF-8"},
+        Row{"\xEF\xBB\xBF\xEF\xBB\xBF<actions/>", "it begins with two byte order marks"},
         Row{QByteArray("<actions>\0</actions>", 20), "line 1: "},
     };
     for (const Row& row : rows)
