@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/component_connections.h"
 #include "app/missing_display.h"
+#include "app/opening_bus.h"
 #include "app/service_options.h"
 #include "app/service_program.h"
 #include "capture_prefs_ui/visible_indicators.h"
@@ -41,13 +42,14 @@ int told(const ServiceOptions& options)
 int served(int argc, char** argv, const ServiceOptions& options)
 {
     platform::TerminationSignals signals; // before anything makes a thread
+    OpeningBus bus;
     const platform::ReadingAhead ahead;
     std::optional<MissingDisplayWatch> watch(std::in_place);
     const WithMainQueueWall<QApplication> application(argc, argv);
     watch.reset();
     VisibleIndicators::install();
     QGuiApplication::setDesktopFileName(QString::fromLatin1(service_address::kBusName));
-    return ServiceProgram(options.idleInterval, signals, sharedComponentConnections()).run();
+    return ServiceProgram(options.idleInterval, signals, bus, sharedComponentConnections()).run();
 }
 
 /// What leaves main is logged and ends here.

@@ -3,6 +3,7 @@
 
 #include "app/archive_picker_pane_controller.h"
 #include "app/havrel_services.h"
+#include "app/opening_bus.h"
 #include "app/service_application_delegate.h"
 #include "app/service_face.h"
 #include "diagnostics/logr.h"
@@ -42,13 +43,11 @@ int statusOf(int appearError)
 
 ServiceProgram::ServiceProgram(std::chrono::milliseconds idleInterval,
                                platform::TerminationSignals& terminations,
+                               OpeningBus& bus,
                                ComponentConnections components)
     : m_signalled(terminations.descriptor(), QSocketNotifier::Read)
-    , m_bus({.disconnected =
-                 [this] {
-                     QMetaObject::invokeMethod(
-                         &m_signalled, [this] { endNow(); }, Qt::QueuedConnection);
-                 }})
+    , m_bus(bus)
+    , m_busApplications(bus.connection())
     , m_displayLoss([this] { displayHasGone(); })
 {
     m_delegate = std::make_shared<ServiceApplicationDelegate>(
@@ -64,11 +63,16 @@ ServiceProgram::ServiceProgram(std::chrono::milliseconds idleInterval,
         if (terminations.take() != 0)
             endNow();
     });
+    m_bus.whenLost([this] {
+        QMetaObject::invokeMethod(
+            &m_signalled, [this] { endNow(); }, Qt::QueuedConnection);
+    });
     listenToTheSession();
 }
 
 ServiceProgram::~ServiceProgram()
 {
+    m_bus.whenLost({});
     m_face.reset();
     ArchivePickerPaneController::forgetRunningPickers();
     HavrelServices::forgetSharedServices();
@@ -111,10 +115,10 @@ void ServiceProgram::listenToTheSession()
 
 void ServiceProgram::appear()
 {
-    m_appearError = m_bus.open();
+    m_appearError = m_bus.opened();
     if (m_appearError != 0)
         return;
-    m_face = std::make_unique<ServiceFace>(HavrelServices::sharedServices(), m_bus);
+    m_face = std::make_unique<ServiceFace>(HavrelServices::sharedServices(), m_bus.connection());
     m_appearError = m_face->appear();
 }
 

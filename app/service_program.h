@@ -6,7 +6,6 @@
 #include "app/endable_alerts.h"
 #include "app/endable_timers.h"
 #include "app/translations.h"
-#include "platform/bus_connection.h"
 #include "platform/connected_applications.h"
 
 #include <QSocketNotifier>
@@ -16,6 +15,7 @@
 
 namespace havrel {
 
+class OpeningBus;
 class ServiceApplicationDelegate;
 class ServiceFace;
 namespace platform {
@@ -32,9 +32,10 @@ class TerminationSignals;
 class ServiceProgram
 {
 public:
-    /// \param terminations must live longer.
+    /// \param terminations,bus must live longer.
     ServiceProgram(std::chrono::milliseconds idleInterval,
                    platform::TerminationSignals& terminations,
+                   OpeningBus& bus,
                    ComponentConnections components);
     ~ServiceProgram();
     ServiceProgram(const ServiceProgram&) = delete;
@@ -61,8 +62,8 @@ private:
     EndableAlerts m_alerts{m_presenter};
     EndableTimers m_timers{Timers::ofEventLoop()};
     QSocketNotifier m_signalled;
-    platform::BusConnection m_bus; // tells m_signalled of its loss
-    platform::ConnectedApplications m_busApplications{m_bus};
+    OpeningBus& m_bus; // tells m_signalled of its loss
+    platform::ConnectedApplications m_busApplications;
     platform::DesktopApplications m_applications{m_busApplications};
     std::shared_ptr<ServiceApplicationDelegate> m_delegate;
     std::unique_ptr<ServiceFace> m_face; // once there is a bus

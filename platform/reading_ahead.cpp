@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/reading_ahead.h"
 
-#include "platform/systemd_library.h"
-
 #include <system_error>
 
 #include <dlfcn.h>
@@ -20,18 +18,12 @@ void readFonts()
         init();
 }
 
-void readAll()
-{
-    (void)systemdSymbol("sd_bus_new"); // the bus is asked for first
-    readFonts();
-}
-
 } // namespace
 
 ReadingAhead::ReadingAhead()
 {
     try {
-        m_thread = std::thread(readAll);
+        m_thread = std::thread(readFonts);
     } catch (const std::system_error&) { // no thread left: all is read when it is needed
     }
 }

@@ -6,9 +6,8 @@
 namespace havrel::platform {
 
 /// Reads, on a thread of its own while the program is still starting, what its first window will need: the
-/// configuration and the lists of fonts, which take a fifth of the time to a window with text, and the library of the
-/// message bus. The toolkit then finds it read, or waits for the rest. Where there is no fontconfig, nothing is read of
-/// fonts.
+/// configuration and the lists of fonts, which take a fifth of the time to a window with text. The toolkit then finds
+/// them read, or waits for the rest. Where there is no fontconfig, nothing is read.
 ///
 /// Threads: one thread at a time.
 class ReadingAhead

@@ -2,6 +2,7 @@
 #include "app/service_program.h"
 
 #include "app/archive_picker_pane_controller.h"
+#include "app/opening_bus.h"
 #include "capture_prefs_ui/capture_preferences_window.h"
 #include "filters/file_capture_preferences.h"
 #include "foundation/pasteboard.h"
@@ -66,7 +67,8 @@ protected:
     int run(const std::function<void()>& meanwhile = {}, std::chrono::milliseconds idleInterval = 600s)
     {
         platform::TerminationSignals signals;
-        havrel::ServiceProgram program(idleInterval, signals, m_components.connections());
+        OpeningBus bus;
+        havrel::ServiceProgram program(idleInterval, signals, bus, m_components.connections());
         QObject context;
         if (meanwhile)
             QTimer::singleShot(0, &context, meanwhile);
