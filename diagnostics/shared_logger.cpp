@@ -50,17 +50,23 @@ SharedLogger& SharedLogger::ofProcess()
     return s_shared;
 }
 
+std::shared_ptr<Logr> SharedLogger::present() const
+{
+    const MutexLock guard(m_lock);
+    return m_logger;
+}
+
 std::shared_ptr<Logr> SharedLogger::get()
 {
-    if (auto logger = m_logger.load())
+    if (auto logger = present())
         return logger;
     const MutexLock guard(m_choice);
-    if (auto logger = m_logger.load())
+    if (auto logger = present())
         return logger;
     if (m_choosing)
         return nullptr;
     choose();
-    return m_logger.load();
+    return present();
 }
 
 void SharedLogger::choose()
@@ -106,17 +112,26 @@ void SharedLogger::retire(std::shared_ptr<Logr> logger)
 
 void SharedLogger::set(const std::shared_ptr<Logr>& logger)
 {
-    std::shared_ptr<Logr> former = m_logger.exchange(logger);
+    std::shared_ptr<Logr> former;
+    {
+        const MutexLock guard(m_lock);
+        former = std::exchange(m_logger, logger);
+    }
     if (former != logger)
         closeAndRetire(std::move(former));
 }
 
-/// Installs \p logger in place of \p present; when another was installed meanwhile, that one stays.
-bool SharedLogger::replace(const std::shared_ptr<Logr>& present, const std::shared_ptr<Logr>& logger)
+/// Installs \p logger in place of \p expected; when another was installed meanwhile, that one stays.
+bool SharedLogger::replace(const std::shared_ptr<Logr>& expected, const std::shared_ptr<Logr>& logger)
 {
-    std::shared_ptr<Logr> expected = present;
-    const bool replaced = m_logger.compare_exchange_strong(expected, logger);
-    closeAndRetire(replaced ? present : logger);
+    bool replaced = false;
+    {
+        const MutexLock guard(m_lock);
+        replaced = m_logger == expected;
+        if (replaced)
+            m_logger = logger;
+    }
+    closeAndRetire(replaced ? expected : logger);
     return replaced;
 }
 

@@ -3,7 +3,6 @@
 
 #include "foundation/thread_annotations.h"
 
-#include <atomic>
 #include <memory>
 
 namespace havrel {
@@ -32,17 +31,18 @@ public:
 
     /// The installed logger; chooses one when there is none. Null for a call from inside the making of the fallback.
     /// \throws Exception when no fallback can be made.
-    [[nodiscard]] std::shared_ptr<Logr> get();
+    [[nodiscard]] std::shared_ptr<Logr> get() HAVREL_EXCLUDES(m_lock);
     /// Installs \p logger and closes the one that was installed before.
     void set(const std::shared_ptr<Logr>& logger);
     /// Closes the installed logger and forgets it.
     void close();
 
 private:
+    [[nodiscard]] std::shared_ptr<Logr> present() const HAVREL_EXCLUDES(m_lock);
     void choose() HAVREL_REQUIRES(m_choice);
     [[nodiscard]] std::shared_ptr<Logr> makeFallback() const;
     void replaceByFileLogger(const std::shared_ptr<Logr>& fallback);
-    bool replace(const std::shared_ptr<Logr>& present, const std::shared_ptr<Logr>& logger);
+    bool replace(const std::shared_ptr<Logr>& expected, const std::shared_ptr<Logr>& logger) HAVREL_EXCLUDES(m_lock);
     static void closeAndRetire(std::shared_ptr<Logr> logger);
     static void retire(std::shared_ptr<Logr> logger);
 
@@ -52,7 +52,9 @@ private:
     RecursiveMutex m_choice; // held by the thread that chooses
     bool m_choosing HAVREL_GUARDED_BY(m_choice) = false;
 
-    std::atomic<std::shared_ptr<Logr>> m_logger;
+    // Held only to look at the pointer or to change it, never while anything is logged, made or closed.
+    mutable Mutex m_lock;
+    std::shared_ptr<Logr> m_logger HAVREL_GUARDED_BY(m_lock);
 };
 
 } // namespace havrel

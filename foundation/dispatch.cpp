@@ -49,29 +49,57 @@ void runThrowingOn(const std::function<void()>& block)
     }
 }
 
-/// A block on its way to a thread of the pool. The toolkit's library is not built for the thread sanitizer, which does
-/// not see how its pool hands things over: so it is told.
-class PoolBlock : public QRunnable
+/// A block on its way to another thread through the toolkit, whose library is not built for the thread sanitizer, which
+/// therefore does not see how its event queues and its pool hand things over: so it is told.
+class HandedBlock
 {
 public:
-    explicit PoolBlock(std::function<void()> block)
+    explicit HandedBlock(std::function<void()> block)
         : m_block(std::move(block))
     {
 #ifdef __SANITIZE_THREAD__
         __tsan_release(this);
 #endif
     }
-
-    void run() override
+    ~HandedBlock()
     {
-#ifdef __SANITIZE_THREAD__
-        __tsan_acquire(this);
-#endif
-        runAtWall(m_block);
+        hasArrived();
+    }
+    HandedBlock(const HandedBlock&) = delete;
+    HandedBlock& operator=(const HandedBlock&) = delete;
+    HandedBlock(HandedBlock&&) = delete;
+    HandedBlock& operator=(HandedBlock&&) = delete;
+
+    [[nodiscard]] const std::function<void()>& block() const
+    {
+        hasArrived();
+        return m_block;
     }
 
 private:
+    void hasArrived() const
+    {
+#ifdef __SANITIZE_THREAD__
+        __tsan_acquire(const_cast<HandedBlock*>(this));
+#endif
+    }
+
     const std::function<void()> m_block;
+};
+
+/// A block on its way to a thread of the pool.
+class PoolBlock : public QRunnable
+{
+public:
+    explicit PoolBlock(std::function<void()> block)
+        : m_handed(std::move(block))
+    {
+    }
+
+    void run() override { runAtWall(m_handed.block()); }
+
+private:
+    const HandedBlock m_handed;
 };
 
 /// What a thread waits for until another one tells that it is done.
@@ -113,7 +141,9 @@ void runAtWall(const std::function<void()>& block)
 void onMainQueue(std::function<void()> block)
 {
     QMetaObject::invokeMethod(
-        QCoreApplication::instance(), [block = std::move(block)] { runThrowingOn(block); }, Qt::QueuedConnection);
+        QCoreApplication::instance(),
+        [handed = std::make_shared<const HandedBlock>(std::move(block))] { runThrowingOn(handed->block()); },
+        Qt::QueuedConnection);
 }
 
 void endAtMainQueueWall()
