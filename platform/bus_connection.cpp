@@ -23,7 +23,8 @@ constexpr quint64 kReleased = 1;
 constexpr const char* kBus = "org.freedesktop.DBus";
 constexpr const char* kBusPath = "/org/freedesktop/DBus";
 
-constexpr std::chrono::seconds kBusLimit{25}; // the bus itself answers at once, or is stopped
+// Names are taken and given up at the beginning and the end of programs, which must come even if the bus is stopped.
+constexpr std::chrono::seconds kNameLimit{25};
 
 /// The one number that the bus answered; 0 when it answered something else.
 quint64 numberIn(const BusReply& reply)
@@ -87,15 +88,15 @@ int BusConnection::serveTree(BusTree tree, BusRegistration& registration)
     return error;
 }
 
-BusReply BusConnection::askBus(const QByteArray& member, const BusBody& body)
+BusReply BusConnection::askBus(const QByteArray& member, const BusBody& body, BusLimit limit)
 {
     return callAndWait(
-        {.destination = kBus, .path = kBusPath, .interface = kBus, .member = member, .body = body, .limit = kBusLimit});
+        {.destination = kBus, .path = kBusPath, .interface = kBus, .member = member, .body = body, .limit = limit});
 }
 
 int BusConnection::requestName(const QByteArray& name)
 {
-    const BusReply reply = askBus("RequestName", {"su", {QString::fromUtf8(name), kDoNotQueue}});
+    const BusReply reply = askBus("RequestName", {"su", {QString::fromUtf8(name), kDoNotQueue}}, kNameLimit);
     if (reply.error != 0)
         return reply.error;
     const quint64 answer = numberIn(reply);
@@ -106,7 +107,7 @@ int BusConnection::requestName(const QByteArray& name)
 
 int BusConnection::releaseName(const QByteArray& name)
 {
-    const BusReply reply = askBus("ReleaseName", {"s", {QString::fromUtf8(name)}});
+    const BusReply reply = askBus("ReleaseName", {"s", {QString::fromUtf8(name)}}, kNameLimit);
     if (reply.error != 0)
         return reply.error;
     return numberIn(reply) == kReleased ? 0 : ENOENT;
@@ -214,12 +215,7 @@ int BusConnection::ownerOf(const QByteArray& name, QByteArray& owner)
 
 int BusConnection::startService(const QByteArray& name)
 {
-    return callAndWait({.destination = kBus,
-                        .path = kBusPath,
-                        .interface = kBus,
-                        .member = "StartServiceByName",
-                        .body = {"su", {QString::fromUtf8(name), 0U}}})
-        .error;
+    return askBus("StartServiceByName", {"su", {QString::fromUtf8(name), 0U}}).error;
 }
 
 void BusConnection::close()

@@ -69,13 +69,13 @@ public:
     /// \return 0 or an errno value: EINVAL for a prefix that is no path.
     [[nodiscard]] int serveTree(BusTree tree, BusRegistration& registration);
 
-    /// Asks for the well-known \p name and waits for the answer. Does not queue for it. Export first: calls may arrive
-    /// before the answer.
+    /// Asks for the well-known \p name and waits for the answer, for 25 s at most. Does not queue for it. Export first:
+    /// calls may arrive before the answer.
     ///
     /// \return 0, EEXIST when somebody else owns it, or another errno value.
     [[nodiscard]] int requestName(const QByteArray& name);
-    /// Gives \p name up and waits for the answer. All calls that the bus has routed here by that name have reached
-    /// their handlers by then.
+    /// Gives \p name up and waits for the answer, for 25 s at most. All calls that the bus has routed here by that name
+    /// have reached their handlers by then.
     ///
     /// \return 0 or an errno value; ENOENT when it was not ours.
     [[nodiscard]] int releaseName(const QByteArray& name);
@@ -109,12 +109,12 @@ public:
     [[nodiscard]] int watchOwner(const QByteArray& name,
                                  std::function<void(const QByteArray& before, const QByteArray& now)> handler,
                                  BusRegistration& registration);
-    /// Asks the bus for the effective user of the peer \p name, and waits.
+    /// Asks the bus for the effective user of the peer \p name, and waits, as long as the bus is stopped too.
     ///
     /// \return 0 or an errno value.
     [[nodiscard]] int userOf(const QByteArray& name, uid_t& user);
 
-    /// Asks the bus who owns \p name, and waits.
+    /// Asks the bus who owns \p name, and waits, as long as the bus is stopped too.
     ///
     /// \param owner a unique name; empty: nobody
     /// \return 0 or an errno value.
@@ -132,7 +132,9 @@ private:
     QByteArray m_address;
     std::shared_ptr<BusLoop> m_loop;
 
-    [[nodiscard]] BusReply askBus(const QByteArray& member, const BusBody& body);
+    using BusLimit = std::optional<std::chrono::milliseconds>;
+
+    [[nodiscard]] BusReply askBus(const QByteArray& member, const BusBody& body, BusLimit limit = std::nullopt);
 };
 
 } // namespace havrel::platform

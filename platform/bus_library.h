@@ -26,6 +26,7 @@ namespace havrel::platform {
     ENTRY(sd_bus_message_dump)                                                                                         \
     ENTRY(sd_bus_message_enter_container)                                                                              \
     ENTRY(sd_bus_message_exit_container)                                                                               \
+    ENTRY(sd_bus_message_get_destination)                                                                              \
     ENTRY(sd_bus_message_get_errno)                                                                                    \
     ENTRY(sd_bus_message_get_error)                                                                                    \
     ENTRY(sd_bus_message_get_expect_reply)                                                                             \
@@ -54,6 +55,7 @@ namespace havrel::platform {
     ENTRY(sd_bus_send)                                                                                                 \
     ENTRY(sd_bus_set_address)                                                                                          \
     ENTRY(sd_bus_set_bus_client)                                                                                       \
+    ENTRY(sd_bus_set_method_call_timeout)                                                                              \
     ENTRY(sd_bus_slot_set_destroy_callback)                                                                            \
     ENTRY(sd_bus_slot_unref)                                                                                           \
     ENTRY(sd_bus_start)

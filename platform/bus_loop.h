@@ -100,6 +100,7 @@ private:
 
     void live(BusKind kind, const QByteArray& address);
     [[nodiscard]] int open(BusKind kind, const QByteArray& address);
+    [[nodiscard]] int openAt(const QByteArray& address);
     void startTrace();
     void runTasks();
     void process();

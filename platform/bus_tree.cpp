@@ -80,6 +80,7 @@ int HeldTree::called(sd_bus_message* message, void* self, sd_bus_error* error)
     const auto tree = static_cast<HeldTree*>(self)->m_tree; // outlives a call that ends its own tree
     const auto loop = static_cast<HeldTree*>(self)->m_loop.lock();
     BusTreeCall call{.sender = bytesOf(library.sd_bus_message_get_sender(message)),
+                     .destination = bytesOf(library.sd_bus_message_get_destination(message)),
                      .path = bytesOf(library.sd_bus_message_get_path(message)),
                      .interface = bytesOf(library.sd_bus_message_get_interface(message)),
                      .member = bytesOf(library.sd_bus_message_get_member(message)),

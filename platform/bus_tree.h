@@ -41,7 +41,8 @@ private:
 /// A call of something below a path.
 struct BusTreeCall
 {
-    QByteArray sender; ///< a unique name
+    QByteArray sender;      ///< a unique name
+    QByteArray destination; ///< the name that was called: a unique or a well-known one
     QByteArray path;
     QByteArray interface; ///< may be empty
     QByteArray member;
