@@ -2,6 +2,7 @@
 #include "messaging/carried_value.h"
 
 #include "platform/bus_body.h"
+#include "platform/bus_text.h"
 
 #include <QVariantMap>
 
@@ -34,7 +35,7 @@ Carried carriedText(char type, const QVariant& value)
 {
     if (value.typeId() != QMetaType::QString)
         return std::nullopt;
-    const QByteArray bytes = value.toString().toUtf8(); // lone surrogates arrive as replacement characters
+    const QByteArray bytes = platform::busText(value.toString()).toUtf8();
     const bool fits = !bytes.contains('\0') && (type != 'o' || isPath(value.toString()));
     return fits ? Carried(QString::fromUtf8(bytes)) : std::nullopt;
 }

@@ -51,7 +51,9 @@ struct BusVariant
 
 /// Appends \p body to \p message.
 ///
-/// \return 0, EINVAL when a value does not fit its type (the message is of no use then), or another errno value.
+/// \return 0; EINVAL when a value does not fit its type, EMSGSIZE for arrays of more than 64 MiB and bodies of more
+/// than
+///         128 MiB (the message is of no use then), or another errno value.
 ///
 /// Threads: one thread at a time.
 [[nodiscard]] int appendBody(sd_bus_message* message, const BusBody& body);

@@ -1,12 +1,59 @@
 // SPDX-License-Identifier: MIT
 #include "platform/bus_body.h"
 #include "platform/bus_library.h"
+#include "platform/bus_text.h"
 
 #include <cerrno>
 #include <utility>
 
 namespace havrel::platform {
 namespace {
+
+// A message that is larger ends the connection to the bus, and with it all that goes through it.
+// \source the message bus specification, "Marshaling" and "Message Format"
+constexpr qsizetype kLargestArray = 64 * 1'024 * 1'024;
+constexpr qsizetype kLargestBody = 128 * 1'024 * 1'024 - 16 * 1'024; // the rest is for the header
+
+/// How many bytes the types without contents take, which is also what they are aligned to.
+constexpr qsizetype sizeOfBasic(char type)
+{
+    switch (type) {
+    case 'y':
+        return 1;
+    case 'n':
+    case 'q':
+        return 2;
+    case 'x':
+    case 't':
+    case 'd':
+        return 8;
+    default:
+        return 4;
+    }
+}
+
+/// Where a message is while it is written.
+class WireOffset
+{
+public:
+    void add(qsizetype alignment, qsizetype bytes) { m_at = (m_at + alignment - 1) / alignment * alignment + bytes; }
+    [[nodiscard]] qsizetype at() const noexcept { return m_at; }
+    [[nodiscard]] bool isTooFar() const noexcept { return m_at > kLargestBody; }
+
+    /// What stands before the contents of a container.
+    void begin(char container, QByteArrayView types)
+    {
+        if (container == 'v')
+            return add(1, types.size() + 2);
+        if (container == 'a')
+            add(4, 4);
+        if (container != 'a' || types.startsWith('{') || types.startsWith('(') || sizeOfBasic(types[0]) == 8)
+            add(8, 0);
+    }
+
+private:
+    qsizetype m_at = 0;
+};
 
 /// Writes values into one message. Operations answer 0 or an errno value.
 class BodyWriter
@@ -66,6 +113,9 @@ private:
         if (value.typeId() != QMetaType::QByteArray)
             return EINVAL;
         const QByteArray bytes = value.toByteArray();
+        m_offset.add(4, 4 + bytes.size());
+        if (bytes.size() > kLargestArray || m_offset.isTooFar())
+            return EMSGSIZE;
         return answered(m_library.sd_bus_message_append_array(
             m_message, 'y', bytes.constData(), static_cast<size_t>(bytes.size())));
     }
@@ -112,11 +162,11 @@ private:
         switch (type) {
         case 'b': {
             const int truth = value.toBool() ? 1 : 0;
-            return value.typeId() == QMetaType::Bool ? appendRaw(type, &truth) : EINVAL;
+            return value.typeId() == QMetaType::Bool ? appendFixed(type, &truth) : EINVAL;
         }
         case 'd': {
             const double number = value.toDouble();
-            return value.typeId() == QMetaType::Double ? appendRaw(type, &number) : EINVAL;
+            return value.typeId() == QMetaType::Double ? appendFixed(type, &number) : EINVAL;
         }
         case 's':
         case 'o':
@@ -158,17 +208,29 @@ private:
         const bool fits = isUnsigned ? std::in_range<Integer>(value.toULongLong())
                                      : isSigned && std::in_range<Integer>(value.toLongLong());
         const auto integer = static_cast<Integer>(value.toULongLong()); // modulo 2^64, which the narrowing undoes
-        return fits ? appendRaw(type, &integer) : EINVAL;
+        return fits ? appendFixed(type, &integer) : EINVAL;
     }
 
     int appendText(char type, const QString& text)
     {
-        const QByteArray bytes = text.toUtf8();
+        const QByteArray bytes = busText(text).toUtf8();
+        if (type == 'g')
+            m_offset.add(1, bytes.size() + 2);
+        else
+            m_offset.add(4, 4 + bytes.size() + 1);
         return bytes.contains('\0') ? EINVAL : appendRaw(type, bytes.constData());
+    }
+
+    int appendFixed(char type, const void* value)
+    {
+        m_offset.add(sizeOfBasic(type), sizeOfBasic(type));
+        return appendRaw(type, value);
     }
 
     int appendRaw(char type, const void* value)
     {
+        if (m_offset.isTooFar())
+            return EMSGSIZE;
         return answered(m_library.sd_bus_message_append_basic(m_message, type, value));
     }
 
@@ -179,14 +241,20 @@ private:
         const int opened = m_library.sd_bus_message_open_container(m_message, container, terminated.constData());
         if (opened < 0)
             return -opened;
-        const int error = contents();
-        return error != 0 ? error : answered(m_library.sd_bus_message_close_container(m_message));
+        m_offset.begin(container, types);
+        const qsizetype start = m_offset.at();
+        if (const int error = contents(); error != 0)
+            return error;
+        if (container == 'a' && m_offset.at() - start > kLargestArray)
+            return EMSGSIZE;
+        return answered(m_library.sd_bus_message_close_container(m_message));
     }
 
     static int answered(int result) { return result < 0 ? -result : 0; }
 
     const BusLibrary& m_library = *busLibrary();
     sd_bus_message* m_message;
+    WireOffset m_offset;
 };
 
 } // namespace
