@@ -33,7 +33,7 @@ inline constexpr const char* kClosed = "closed";   ///< the sender has ended the
 [[nodiscard]] QByteArray ofStarter(const QString& logicalName);
 
 /// Where the connections of a named service are: one element below kConnections. What connects to an element of its
-/// own choice straight below kConnections reaches the service that the process serves.
+/// own choice straight below kConnections reaches the service whose name it calls, or the only one by the unique name.
 ///
 /// Threads: any thread.
 [[nodiscard]] QByteArray pathOfService(const QString& logicalName);

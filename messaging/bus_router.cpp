@@ -6,6 +6,8 @@
 #include "messaging/reply_threads.h"
 #include "messaging/xpc_error.h"
 
+#include <algorithm>
+
 namespace havrel {
 namespace {
 
@@ -31,7 +33,7 @@ void endElsewhere(BusRouter* router)
 
 } // namespace
 
-std::shared_ptr<BusRouter> BusRouter::opened(platform::BusSettings settings, int& error)
+std::shared_ptr<BusRouter> BusRouter::opened(platform::BusSettings settings, std::weak_ptr<Buses> buses, int& error)
 {
     // The settings want to know the router, which wants the settings.
     const auto known = std::make_shared<std::weak_ptr<BusRouter>>();
@@ -39,14 +41,16 @@ std::shared_ptr<BusRouter> BusRouter::opened(platform::BusSettings settings, int
         if (const auto router = known->lock())
             router->lose();
     };
-    const std::shared_ptr<BusRouter> router(std::make_unique<BusRouter>(std::move(settings)).release(), endElsewhere);
+    const std::shared_ptr<BusRouter> router(
+        std::make_unique<BusRouter>(std::move(settings), std::move(buses)).release(), endElsewhere);
     *known = router;
     error = router->start();
     return error == 0 ? router : nullptr;
 }
 
-BusRouter::BusRouter(platform::BusSettings settings)
+BusRouter::BusRouter(platform::BusSettings settings, std::weak_ptr<Buses> buses)
     : m_kind(settings.kind)
+    , m_buses(std::move(buses))
     , m_bus(std::move(settings))
 {
 }
@@ -94,40 +98,63 @@ std::shared_ptr<BusXPCConnection> BusRouter::connectionFor(const platform::BusTr
 {
     const Route route(call.sender, call.path);
     const bool begins = call.interface != bus_names::kConnectionInterface && call.interface != kIntrospection;
-    Newcomer newcomer;
+    Listener listener;
     {
         const MutexLock guard(m_lock);
-        if (const auto found = m_routes.find(route); found != m_routes.end())
-            return found->second.isClosing ? nullptr : found->second.connection.lock();
-        const Newcomer* asked = begins ? newcomerFor(call.path) : nullptr;
+        if (const auto found = m_routes.find(route); found != m_routes.end()) {
+            const End& end = found->second;
+            return end.isClosing || isOfOtherService(end.names, call.destination) ? nullptr : end.connection.lock();
+        }
+        const Listener* asked = begins ? listenerFor(call) : nullptr;
         if (!asked)
             return nullptr;
-        newcomer = *asked;
+        listener = *asked;
     }
-    return newConnection(route, newcomer);
+    return newConnection(route, listener);
 }
 
-std::shared_ptr<BusXPCConnection> BusRouter::newConnection(const Route& route, Newcomer& newcomer)
+std::shared_ptr<BusXPCConnection> BusRouter::newConnection(const Route& route, const Listener& listener)
 {
     auto connection = BusXPCConnection::accepted(shared_from_this(), route.first, route.second);
-    addRoute(route.first, route.second, connection);
-    newcomer(connection);
+    addRoute(route.first, route.second, connection, listener.names);
+    listener.newcomer(connection);
     return connection;
 }
 
-/// Below the prefix of a listener; what is straight below the place of all services goes to the one that is served.
-const BusRouter::Newcomer* BusRouter::newcomerFor(const QByteArray& path) const
+/// Below the prefix of a listener; what is straight below the place of all services goes to the one that is called.
+const BusRouter::Listener* BusRouter::listenerFor(const platform::BusTreeCall& call) const
 {
+    for (const auto& [prefix, listener] : m_listeners)
+        if (call.path.startsWith(prefix + '/'))
+            return &listener;
     const QByteArray services = QByteArray(bus_names::kConnections) + '/';
-    const Newcomer* any = nullptr;
-    for (const auto& [prefix, newcomer] : m_listeners) {
-        if (path.startsWith(prefix + '/'))
-            return &newcomer;
-        if (!any && prefix.startsWith(services))
-            any = &newcomer;
+    const bool isStraightBelow = call.path.startsWith(services) && !call.path.sliced(services.size()).contains('/');
+    return isStraightBelow ? serviceCalled(call.destination) : nullptr;
+}
+
+/// Several services of one process are told apart by their names only.
+const BusRouter::Listener* BusRouter::serviceCalled(const QByteArray& name) const
+{
+    const Listener* only = nullptr;
+    int services = 0;
+    for (const auto& [prefix, listener] : m_listeners) {
+        if (listener.names.contains(name))
+            return &listener;
+        if (listener.names.isEmpty())
+            continue;
+        only = &listener;
+        ++services;
     }
-    const bool isStraightBelow = path.startsWith(services) && !path.sliced(services.size()).contains('/');
-    return isStraightBelow ? any : nullptr;
+    return services == 1 ? only : nullptr;
+}
+
+/// A connection to one service is not continued by calls of another one.
+bool BusRouter::isOfOtherService(const QByteArrayList& names, const QByteArray& name) const
+{
+    if (name.startsWith(':') || names.contains(name))
+        return false;
+    const auto isCalled = [&](const auto& each) { return each.second.names.contains(name); };
+    return std::any_of(m_listeners.begin(), m_listeners.end(), isCalled);
 }
 
 /// The peer sends nothing more, so the path can be forgotten at once.
@@ -179,10 +206,10 @@ void BusRouter::lose()
 
 // ---- listeners, peers and routes
 
-bool BusRouter::listen(const QByteArray& prefix, Newcomer newcomer)
+bool BusRouter::listen(const QByteArray& prefix, const QByteArrayList& names, Newcomer newcomer)
 {
     const MutexLock guard(m_lock);
-    return m_listeners.emplace(prefix, std::move(newcomer)).second;
+    return m_listeners.emplace(prefix, Listener{std::move(newcomer), names}).second;
 }
 
 void BusRouter::stopListening(const QByteArray& prefix)
@@ -232,11 +259,12 @@ QByteArray BusRouter::freshPath(const QByteArray& prefix)
 
 void BusRouter::addRoute(const QByteArray& peer,
                          const QByteArray& path,
-                         const std::shared_ptr<BusXPCConnection>& connection)
+                         const std::shared_ptr<BusXPCConnection>& connection,
+                         const QByteArrayList& names)
 {
     const MutexLock guard(m_lock);
     ++m_peers[peer].routes;
-    m_routes[{peer, path}] = {connection, false};
+    m_routes[{peer, path}] = {.connection = connection, .names = names};
 }
 
 /// \return the connection, when it has not ended

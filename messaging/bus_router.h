@@ -5,6 +5,7 @@
 #include "platform/bus_connection.h"
 
 #include <QByteArray>
+#include <QByteArrayList>
 
 #include <atomic>
 #include <functional>
@@ -19,6 +20,7 @@
 namespace havrel {
 
 class BusXPCConnection;
+class Buses;
 
 /// One bus with all that is ours on it: which object paths are connections to whom, who is asked about new ones, and
 /// which peers are watched.
@@ -34,8 +36,9 @@ public:
     using Newcomer = std::function<void(const std::shared_ptr<BusXPCConnection>& connection)>;
 
     /// Connects and waits for the bus. \return null and an errno value in \p error, when there is none
-    [[nodiscard]] static std::shared_ptr<BusRouter> opened(platform::BusSettings settings, int& error);
-    explicit BusRouter(platform::BusSettings settings);
+    [[nodiscard]] static std::shared_ptr<BusRouter>
+    opened(platform::BusSettings settings, std::weak_ptr<Buses> buses, int& error);
+    BusRouter(platform::BusSettings settings, std::weak_ptr<Buses> buses);
     ~BusRouter();
     BusRouter(const BusRouter&) = delete;
     BusRouter& operator=(const BusRouter&) = delete;
@@ -44,13 +47,19 @@ public:
 
     [[nodiscard]] platform::BusConnection& bus() noexcept { return m_bus; }
     [[nodiscard]] platform::BusKind kind() const noexcept { return m_kind; }
+    /// Those that it is one of; null when they have gone.
+    [[nodiscard]] std::shared_ptr<Buses> buses() const { return m_buses.lock(); }
     /// Whether the bus has gone: there is no way back.
     [[nodiscard]] bool isLost() const noexcept { return m_lost; }
     /// Ends the bus and all connections on it.
     void close();
 
-    /// Has \p newcomer asked about connections below \p prefix. \return false when somebody else is already
-    [[nodiscard]] bool listen(const QByteArray& prefix, Newcomer newcomer);
+    /// Has \p newcomer asked about connections below \p prefix, and about those straight below the place of all
+    /// services that are begun by a call of one of \p names, or by the unique name where this is the only service.
+    ///
+    /// \param names well-known names of the service; none: it is an endpoint
+    /// \return false when somebody else is asked already
+    [[nodiscard]] bool listen(const QByteArray& prefix, const QByteArrayList& names, Newcomer newcomer);
     void stopListening(const QByteArray& prefix);
 
     /// Watches \p peer, which has a route, and asks the bus for its effective user; waits.
@@ -60,7 +69,10 @@ public:
 
     /// A path of a client's connection below \p prefix, never given before.
     [[nodiscard]] QByteArray freshPath(const QByteArray& prefix);
-    void addRoute(const QByteArray& peer, const QByteArray& path, const std::shared_ptr<BusXPCConnection>& connection);
+    void addRoute(const QByteArray& peer,
+                  const QByteArray& path,
+                  const std::shared_ptr<BusXPCConnection>& connection,
+                  const QByteArrayList& names = {});
     /// The connection has ended. Tells the peer, and keeps the path until it answers.
     void closeRoute(const QByteArray& peer, const QByteArray& path);
 
@@ -81,6 +93,12 @@ private:
     {
         std::weak_ptr<BusXPCConnection> connection;
         bool isClosing = false;
+        QByteArrayList names = {}; // of the service that it was begun with
+    };
+    struct Listener
+    {
+        Newcomer newcomer;
+        QByteArrayList names;
     };
     using Connections = std::vector<std::shared_ptr<BusXPCConnection>>;
 
@@ -88,8 +106,11 @@ private:
     [[nodiscard]] static bool takes(const QByteArray& interface);
     void arrived(const platform::BusTreeCall& call);
     [[nodiscard]] std::shared_ptr<BusXPCConnection> connectionFor(const platform::BusTreeCall& call);
-    [[nodiscard]] std::shared_ptr<BusXPCConnection> newConnection(const Route& route, Newcomer& newcomer);
-    [[nodiscard]] const Newcomer* newcomerFor(const QByteArray& path) const HAVREL_REQUIRES(m_lock);
+    [[nodiscard]] std::shared_ptr<BusXPCConnection> newConnection(const Route& route, const Listener& listener);
+    [[nodiscard]] const Listener* listenerFor(const platform::BusTreeCall& call) const HAVREL_REQUIRES(m_lock);
+    [[nodiscard]] const Listener* serviceCalled(const QByteArray& name) const HAVREL_REQUIRES(m_lock);
+    [[nodiscard]] bool isOfOtherService(const QByteArrayList& names, const QByteArray& name) const
+        HAVREL_REQUIRES(m_lock);
     void closedByPeer(const platform::BusTreeCall& call);
     [[nodiscard]] std::shared_ptr<BusXPCConnection> erase(const Route& route) HAVREL_EXCLUDES(m_lock);
     [[nodiscard]] std::optional<uid_t> knownUser(const QByteArray& peer) HAVREL_EXCLUDES(m_lock);
@@ -97,11 +118,12 @@ private:
     void lose();
 
     const platform::BusKind m_kind;
+    const std::weak_ptr<Buses> m_buses;
     platform::BusConnection m_bus;
     std::atomic<bool> m_lost = false;
     std::atomic<quint64> m_lastPath = 0;
     Mutex m_lock;
-    std::map<QByteArray, Newcomer> m_listeners HAVREL_GUARDED_BY(m_lock);
+    std::map<QByteArray, Listener> m_listeners HAVREL_GUARDED_BY(m_lock);
     std::map<QByteArray, Peer> m_peers HAVREL_GUARDED_BY(m_lock);
     std::map<Route, End> m_routes HAVREL_GUARDED_BY(m_lock);
     platform::BusRegistration m_tree;

@@ -90,39 +90,48 @@ int BusXPCListener::findBus()
     return error;
 }
 
-int BusXPCListener::listen()
+int BusXPCListener::listen(const QByteArrayList& names)
 {
     {
         const MutexLock guard(m_reception->lock);
         m_reception->isListening = true;
     }
-    const bool isFirst =
-        m_router->listen(m_prefix, [reception = m_reception](const std::shared_ptr<BusXPCConnection>& connection) {
-            reception->queue.async([reception, connection] { reception->receive(connection); });
-        });
-    return isFirst ? 0 : EEXIST;
+    const auto receive = [reception = m_reception](const std::shared_ptr<BusXPCConnection>& connection) {
+        reception->queue.async([reception, connection] { reception->receive(connection); });
+    };
+    return m_router->listen(m_prefix, names, receive) ? 0 : EEXIST;
 }
 
 int BusXPCListener::listenForEndpoint()
 {
     m_prefix = m_router->freshPath(bus_names::endpointsOn(m_kind));
-    return listen();
+    return listen({});
+}
+
+/// Its own, and that which the bus can start it by.
+QByteArrayList BusXPCListener::busNames() const
+{
+    QByteArrayList names{bus_names::ofService(m_serviceName)};
+    if (const QByteArray starter = bus_names::ofStarter(m_serviceName); !starter.isEmpty())
+        names << starter;
+    return names;
 }
 
 /// Listens first: connections may come with the name.
 int BusXPCListener::listenForService()
 {
     m_prefix = bus_names::pathOfService(m_serviceName);
-    if (const int error = listen(); error != 0)
+    const QByteArrayList names = busNames();
+    if (const int error = listen(names); error != 0)
         return error;
-    const int error = m_router->bus().requestName(bus_names::ofService(m_serviceName));
+    const int error = m_router->bus().requestName(names.constFirst());
     if (error != 0) {
         m_router->stopListening(m_prefix);
         return error;
     }
     // The name that the bus can start it by, last: who waits for that one then asks for the other.
-    if (const QByteArray starter = bus_names::ofStarter(m_serviceName); !starter.isEmpty())
-        (void)m_router->bus().requestName(starter);
+    for (const QByteArray& each : names.sliced(1))
+        (void)m_router->bus().requestName(each);
     return 0;
 }
 
@@ -143,9 +152,8 @@ void BusXPCListener::end()
     router->stopListening(m_prefix);
     if (m_serviceName.isNull())
         return;
-    (void)router->bus().releaseName(bus_names::ofService(m_serviceName));
-    if (const QByteArray starter = bus_names::ofStarter(m_serviceName); !starter.isEmpty())
-        (void)router->bus().releaseName(starter);
+    for (const QByteArray& each : busNames())
+        (void)router->bus().releaseName(each);
 }
 
 } // namespace havrel

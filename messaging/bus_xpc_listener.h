@@ -38,7 +38,8 @@ private:
     [[nodiscard]] int findBus();
     [[nodiscard]] int listenForService();
     [[nodiscard]] int listenForEndpoint();
-    [[nodiscard]] int listen();
+    [[nodiscard]] int listen(const QByteArrayList& names);
+    [[nodiscard]] QByteArrayList busNames() const;
     void end();
 
     const std::shared_ptr<Buses> m_buses;

@@ -28,8 +28,10 @@ std::shared_ptr<BusRouter> Buses::router(BusKind kind, int& error, Side side)
     auto& router = m_routers[{kind, side}];
     if (router && !router->isLost())
         return router;
-    router = BusRouter::opened(
-        {.address = kind == BusKind::System ? m_addresses.system : m_addresses.session, .kind = kind}, error);
+    router =
+        BusRouter::opened({.address = kind == BusKind::System ? m_addresses.system : m_addresses.session, .kind = kind},
+                          weak_from_this(),
+                          error);
     if (router && side == Side::Usual && m_opened)
         m_opened(kind, *router);
     return router;

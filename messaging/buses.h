@@ -26,8 +26,10 @@ struct BusAddresses
 /// bus was lost. A process that connects to a service of its own gets another connection for that: both ends of a
 /// conversation could not be told apart on one.
 ///
+/// Held by std::shared_ptr.
+///
 /// Threads: any thread.
-class Buses
+class Buses : public std::enable_shared_from_this<Buses>
 {
 public:
     enum class Side { Usual, Loopback };
