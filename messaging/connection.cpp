@@ -65,7 +65,8 @@ void HVConnection::dealloc()
 {
     if (std::exchange(m_isDeallocated, true))
         return;
-    XPCProxyPtr proxy; // goes outside the lock, like the connection
+    m_roundTrips.reset(); // before anything fails by the end of the connection: nobody is there to be told
+    XPCProxyPtr proxy;    // goes outside the lock, like the connection
     XPCConnectionPtr connection;
     const MutexLock guard(m_connectionLock);
     proxy = std::exchange(m_barrierProxy, nullptr);
@@ -215,10 +216,11 @@ XPCProxyPtr HVConnection::makeProxy()
 {
     const QString text = QStringLiteral("message from %1 to %2 failed");
     return m_connection->remoteObjectProxyWithErrorHandler(
-        [roundTrips = m_roundTrips,
+        [roundTrips = std::weak_ptr(m_roundTrips), // nobody is told once this has gone
          number = ++m_proxyNumber,
          line = text.arg(textOf(m_identifier), textOf(m_connection->serviceName()))](const Error& error) {
-            roundTrips->proxyFailed(number, line, error);
+            if (const auto present = roundTrips.lock())
+                present->proxyFailed(number, line, error);
         });
 }
 
@@ -250,15 +252,13 @@ SyncOutcome HVConnection::syncReturningError()
     return m_roundTrips->perform(connected.proxy, connected.number);
 }
 
-/// A connection that is lost meanwhile must not be made anew for the barrier: it would prove nothing about messages
-/// that were sent before.
 SyncOutcome HVConnection::performSynchronousBlock(const std::function<void(const XPCProxyPtr& proxy)>& block)
 {
-    const NumberedProxy connected = connectedProxy();
-    if (!connected.proxy)
+    const XPCProxyPtr proxy = serviceProxy();
+    if (!proxy)
         return {};
-    block(connected.proxy);
-    return m_roundTrips->perform(connected.proxy, connected.number);
+    block(proxy);
+    return syncReturningError();
 }
 
 // ---- properties

@@ -89,8 +89,12 @@ public:
     /// One round trip: when it has succeeded, the other end has handled everything sent before. Connects if needed,
     /// blocks. Without a connection the error is NSCocoaErrorDomain 4099. \selector syncReturningError:
     [[nodiscard]] SyncOutcome syncReturningError();
-    /// Calls \p block with the proxy, which it sends messages to, then makes a round trip through the same proxy: so
-    /// the messages have been handled, and their replies have come, if this succeeds. Connects if needed, blocks.
+    /// Calls \p block with the proxy, which it sends messages to, then makes a round trip: so the messages have been
+    /// handled, and their replies have come, if this succeeds. Connects if needed, blocks.
+    ///
+    /// A connection that is lost meanwhile keeps its proxy until the queue on which it was made hears of the loss, so
+    /// the round trip fails. Only where somebody disconnects between block and round trip, that one connects anew, and
+    /// proves nothing about the block's messages.
     ///
     /// \return failure without an error when there is no proxy; then the block has not run
     /// \selector performSynchronousBlock:
@@ -169,7 +173,8 @@ private:
     XPCInterfacePtr m_connectionInterface HAVREL_GUARDED_BY(m_connectionLock);
     XPCProxyPtr m_barrierProxy HAVREL_GUARDED_BY(m_connectionLock);
     BarrierRoundTrips::ProxyNumber m_proxyNumber HAVREL_GUARDED_BY(m_connectionLock) = 0; // of the latest proxy
-    const std::shared_ptr<BarrierRoundTrips> m_roundTrips = std::make_shared<BarrierRoundTrips>();
+    std::shared_ptr<BarrierRoundTrips> m_roundTrips =
+        std::make_shared<BarrierRoundTrips>(); // null once it is destroyed
     bool m_loggedConnectionError HAVREL_GUARDED_BY(m_connectionLock) = false;
     std::function<void()> m_invalidationHandler HAVREL_GUARDED_BY(m_connectionLock);
     std::atomic<bool> m_verifyConnection{true};

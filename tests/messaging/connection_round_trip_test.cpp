@@ -265,18 +265,64 @@ TEST_F(HVConnectionRoundTrip, FailsWithTheErrorThatItsBarrierMeetsAfterABlock)
     EXPECT_EQ(outcome.error, scriptedError());
 }
 
-TEST_F(HVConnectionRoundTrip, ProvesNothingThroughAConnectionMadeAfterTheBlock)
+TEST_F(HVConnectionRoundTrip, GoesThroughTheConnectionThatThereIsAfterTheBlock)
 {
     connectThrough(m_live);
-    offer({candidate(QStringLiteral("next"))});
+    const auto next = candidate(QStringLiteral("next"));
+    offer({next});
 
     const SyncOutcome outcome = m_connection->performSynchronousBlock([this](const XPCProxyPtr& proxy) {
         proxy->send("didInstallComponent");
         m_connection->disconnect();
     });
 
-    EXPECT_FALSE(outcome.succeeded) << "what the block has sent may be lost";
+    EXPECT_TRUE(outcome.succeeded);
+    EXPECT_EQ(next->barriers(), 2) << "to verify it, and the round trip";
+    EXPECT_EQ(m_live->sent().constLast(), "didInstallComponent");
+}
+
+TEST_F(HVConnectionRoundTrip, FailsAsAnInvalidConnectionWhenThereIsNoneAfterTheBlock)
+{
+    connectThrough(m_live);
+
+    const SyncOutcome outcome =
+        m_connection->performSynchronousBlock([this](const XPCProxyPtr&) { m_connection->disconnect(); });
+
+    EXPECT_FALSE(outcome.succeeded);
+    EXPECT_EQ(outcome.error, invalidConnectionError());
+}
+
+TEST_F(HVConnectionRoundTrip, FailsWithTheConnectionThatIsLostInsideOfABlock)
+{
+    connectThrough(m_live);
+    const auto next = candidate(QStringLiteral("next"));
+    offer({next});
+
+    const SyncOutcome outcome = m_connection->performSynchronousBlock([this](const XPCProxyPtr& proxy) {
+        proxy->send("didInstallComponent");
+        m_live->lose();
+        runReplies();
+    });
+
+    EXPECT_FALSE(outcome.succeeded) << "the main queue, which this blocks, has not heard of the loss yet";
+    EXPECT_EQ(outcome.error, endedError());
+    EXPECT_EQ(next->barriers(), 0);
+    runMainQueue();
     EXPECT_TRUE(m_connection->ping());
+}
+
+TEST_F(HVConnectionRoundTrip, LogsNoFailureOnceItsConnectionObjectHasGone)
+{
+    connectThrough(m_live, {Answer::Hold});
+    ComponentProxy(m_connection->serviceProxy()).barrier([] {});
+    ASSERT_TRUE(m_live->hasHeld());
+    runMainQueue(); // the news that it has connected hold it
+
+    m_connection.reset();
+    m_live->failHeld();
+    runReplies();
+
+    EXPECT_EQ(logged("message from"), 0);
 }
 
 TEST_F(HVConnectionRoundTrip, LetsOutWhatABlockThrowsAndGoesOn)
