@@ -60,18 +60,32 @@ bool isOfTheBus(const QByteArray& errorName)
            });
 }
 
-Error errorOf(const BusReply& reply)
+/// What fails one message only; the connection has ended for every other reason.
+qint64 codeOf(int errnoValue)
 {
-    const bool isRefused = !reply.errorName.isEmpty() && !isOfTheBus(reply.errorName);
-    const QString why = reply.errorName.isEmpty()
-                            ? systemErrorText(reply.error)
-                            : QString::fromLatin1(reply.errorName) + QStringLiteral(": ") + reply.errorText;
-    return xpcError(isRefused ? xpc_error::kReplyInvalid : xpc_error::kConnectionInvalid, why);
+    switch (errnoValue) {
+    case EINVAL: // it has no shape
+    case EMSGSIZE:
+        return xpc_error::kConnectionInterrupted;
+    case EBADMSG: // its answer cannot be read
+    case ENOTSUP:
+        return xpc_error::kReplyInvalid;
+    default:
+        return xpc_error::kConnectionInvalid;
+    }
 }
 
 Error errorOf(int errnoValue)
 {
-    return xpcError(xpc_error::kConnectionInterrupted, systemErrorText(errnoValue));
+    return xpcError(codeOf(errnoValue), systemErrorText(errnoValue));
+}
+
+Error errorOf(const BusReply& reply)
+{
+    if (reply.errorName.isEmpty())
+        return errorOf(reply.error);
+    return xpcError(isOfTheBus(reply.errorName) ? xpc_error::kConnectionInvalid : xpc_error::kReplyInvalid,
+                    QString::fromLatin1(reply.errorName) + QStringLiteral(": ") + reply.errorText);
 }
 
 } // namespace
@@ -227,6 +241,16 @@ void BusXPCConnection::close()
         last.router->closeRoute(last.peer, last.path);
 }
 
+XPCConnectionPtr BusXPCConnection::connectionTo(const XPCEndpoint& endpoint)
+{
+    const std::shared_ptr<BusRouter> router = way().router;
+    std::shared_ptr<Buses> buses = router ? router->buses() : nullptr;
+    if (!buses)
+        return nullptr;
+    return std::make_shared<BusXPCConnection>(
+        std::move(buses), Target{.endpoint = endpoint, .kind = bus_names::busOfEndpoint(endpoint.pathPrefix)});
+}
+
 // ---- sending
 
 BusCall BusXPCConnection::callOf(const QByteArray& interface, const QByteArray& member) const
@@ -246,7 +270,7 @@ void BusXPCConnection::carry(const SentMessagePtr& sent)
         return; // it has just ended, and tells all that wait
     BusCall call =
         callOf(bus_names::ofProtocol(sent->declarer->name()), bus_names::ofMessage(sent->message->keywordName));
-    call.body = {sent->message->takes.join(), sent->values};
+    call.body = {sent->message->signature, sent->values};
     const std::weak_ptr<TransportConnection> weak = weak_from_this();
     if (!sent->reply) {
         router->bus().post(call, [weak, sent](int error) {
@@ -270,10 +294,17 @@ void BusXPCConnection::askForAcknowledgement(quint32 count)
     if (!router)
         return;
     const BusCall call = callOf(bus_names::kConnectionInterface, bus_names::kHandled);
-    // An error is an answer too: peers need not know this message, and answer in order all the same.
-    router->bus().call(call, [weak = weak_from_this(), count](const BusReply&) {
-        if (const auto connection = weak.lock())
-            connection->acknowledged(count);
+    // An error is an answer too: peers need not know this message, and answer in order all the same. An error of the
+    // bus itself may come inside of the call, which the connection's lock is held for.
+    router->bus().call(call, [weak = weak_from_this(), count](const BusReply& reply) {
+        const auto tell = [weak, count] {
+            if (const auto connection = weak.lock())
+                connection->acknowledged(count);
+        };
+        if (reply.error != 0 && reply.errorName.isEmpty())
+            ReplyThreads::shared().run(tell);
+        else
+            tell();
     });
 }
 

@@ -53,6 +53,7 @@ protected:
     void carry(const SentMessagePtr& sent) override;
     void askForAcknowledgement(quint32 count) override;
     void close() override;
+    [[nodiscard]] XPCConnectionPtr connectionTo(const XPCEndpoint& endpoint) override;
 
 private:
     /// From here to there.

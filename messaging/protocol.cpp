@@ -10,6 +10,8 @@ Protocol::Protocol(QByteArray name, std::vector<const Protocol*> adopted, std::v
     , m_adopted(std::move(adopted))
     , m_messages(std::move(messages))
 {
+    for (ProtocolMessage& each : m_messages)
+        each.signature = each.takes.join();
 }
 
 const Protocol* Protocol::declarerOf(const QByteArray& keywordName) const

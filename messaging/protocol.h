@@ -15,6 +15,7 @@ struct ProtocolMessage
     QByteArray keywordName;                  ///< "queryEndpointForIdentifier:withReply:"
     QByteArrayList takes{};                  ///< one complete bus type an argument, the reply block left out
     std::optional<QByteArrayList> answers{}; ///< types of what the reply block gets; none: there is no reply
+    QByteArray signature{};                  ///< of all it takes; the protocol fills it in
 };
 
 /// What one side of a connection may be told: a table that both ends are checked against at run time.

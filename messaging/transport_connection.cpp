@@ -4,7 +4,9 @@
 #include "diagnostics/exception.h"
 #include "foundation/dispatch.h"
 #include "messaging/carried_value.h"
+#include "messaging/remote_objects.h"
 #include "messaging/transport_proxy.h"
+#include "messaging/xpc_endpoint.h"
 #include "messaging/xpc_error.h"
 
 #include <utility>
@@ -30,12 +32,14 @@ void callHandler(const XPCConnection::ErrorHandler& handler, const Error& error)
 }
 
 /// Lets \p object handle a message. A sender that waits although the message has no reply block is told when that is
-/// done.
+/// done; most do not wait.
 void handOver(XPCExportedObject& object,
               const ProtocolMessage& message,
               const QVariantList& values,
               const std::shared_ptr<ReplyDuty>& duty)
 {
+    if (!duty && !message.answers)
+        return runAtWall([&] { object.received({message.keywordName, values}); });
     const XPCReply reply = replyWith(duty, message);
     runAtWall([&] {
         object.received({message.keywordName, values, message.answers ? reply : XPCReply()});
@@ -55,7 +59,7 @@ const ProtocolMessage* declared(const Protocol& protocol, const ArrivedMessage& 
 
 bool hasItsTypes(const ProtocolMessage& message, const ArrivedMessage& arrived)
 {
-    return !arrived.signature || *arrived.signature == message.takes.join();
+    return !arrived.signature || *arrived.signature == message.signature;
 }
 
 } // namespace
@@ -237,11 +241,26 @@ void TransportConnection::replyArrived(const SentMessagePtr& sent, const QVarian
     });
 }
 
-void TransportConnection::handleReply(const SentMessage& sent, const QVariantList& values)
+/// What its reply block gets of \p values; none when they do not fit the protocol.
+std::optional<QVariantList> TransportConnection::received(const SentMessage& sent, const QVariantList& values)
 {
     const std::optional<QVariantList> carried = carriedValues(*sent.message->answers, values);
-    if (carried)
-        runAtWall([&] { sent.reply(*carried); });
+    const auto makeObject = [&](const XPCEndpoint& endpoint, const XPCInterfacePtr& interface) -> XPCProxyPtr {
+        const XPCConnectionPtr connection = connectionTo(endpoint);
+        if (!connection)
+            return nullptr;
+        connection->setRemoteObjectInterface(interface);
+        connection->resume();
+        return connection->remoteObjectProxyWithErrorHandler(sent.failed);
+    };
+    return carried ? withRemoteObjects(*sent.interface, sent.message->keywordName, *carried, makeObject) : carried;
+}
+
+void TransportConnection::handleReply(const SentMessage& sent, const QVariantList& values)
+{
+    const std::optional<QVariantList> fitting = received(sent, values);
+    if (fitting)
+        runAtWall([&] { sent.reply(*fitting); });
     else
         callHandler(sent.failed,
                     xpcError(xpc_error::kReplyInvalid,

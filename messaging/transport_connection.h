@@ -65,6 +65,8 @@ protected:
     virtual void askForAcknowledgement(quint32 count) = 0;
     /// Tells the other end, if it is not the one that ended it, and gives up what the way needed. Called once.
     virtual void close() = 0;
+    /// A new one, by the same transport; null when that has gone.
+    [[nodiscard]] virtual XPCConnectionPtr connectionTo(const XPCEndpoint& endpoint) = 0;
 
     /// For the destructors of subclasses: ends what has not ended.
     void abandon();
@@ -84,6 +86,7 @@ private:
     [[nodiscard]] bool take(const SentMessagePtr& sent) HAVREL_EXCLUDES(m_lock);
     void handle(const ArrivedMessage& arrived);
     void handleReply(const SentMessage& sent, const QVariantList& values);
+    [[nodiscard]] std::optional<QVariantList> received(const SentMessage& sent, const QVariantList& values);
     void failLater(const SentMessagePtr& sent, const Error& error);
     void finish(bool here, const Error& reason);
     [[nodiscard]] bool markEnded(bool here, const Error& reason) HAVREL_EXCLUDES(m_lock);

@@ -30,12 +30,15 @@ public:
 
     [[nodiscard]] const Protocol& protocol() const noexcept { return m_protocol; }
 
-    /// The names of the classes that a reply argument may carry; empty: whatever its type says.
+    /// The names of the classes that a reply argument may carry; empty: whatever its type says. On the message bus the
+    /// type of the argument is what admits values: it carries none of other classes.
     [[nodiscard]] QSet<QByteArray> classesFor(const ReplyArgument& argument) const;
     void setClasses(const QSet<QByteArray>& classes, const ReplyArgument& argument);
 
-    /// The interface of the remote object that a reply argument is; null when it is a plain value. Such an argument
-    /// travels as an endpoint or none, "a(so)": who wants to speak to the object connects to it.
+    /// The interface of the remote object that a reply argument is; null when it is a plain value. Who answers gives
+    /// the endpoint of a listener that exports the object, or none, "a(so)". Who has asked gets an XPCProxyPtr with a
+    /// connection of its own, which ends with the proxy; null for none. Its messages that fail are told to the error
+    /// handler of the proxy that was asked.
     [[nodiscard]] XPCInterfacePtr interfaceFor(const ReplyArgument& argument) const;
     void setInterface(XPCInterfacePtr interface, const ReplyArgument& argument);
 

@@ -9,7 +9,8 @@
 
 namespace havrel {
 
-/// What the reply block of a message gets: as many values as the protocol says, of its types.
+/// What the reply block of a message gets: as many values as the protocol says, of its types; an XPCProxyPtr where the
+/// interface says that one is a remote object (XPCInterface::interfaceFor).
 using XPCReply = std::function<void(const QVariantList& values)>;
 
 /// The object at the other end of a connection. Messages arrive in the order in which they are sent, answers come back

@@ -19,6 +19,7 @@ inline const Protocol& libraryProtocol()
                                          {"sum:and:withReply:", {"i", "u"}, QByteArrayList{"x"}},
                                          {"catalogueWithReply:", {}, QByteArrayList{"aa{sv}"}},
                                          {"echo:withReply:", {"v"}, QByteArrayList{"v"}},
+                                         {"shelf:withReply:", {"s"}, QByteArrayList{"a(so)"}},
                                          {"barrierWithCompletion:", {}, QByteArrayList{}},
                                          {"note:", {"i"}},
                                          {"notePath:", {"ay"}},
@@ -40,9 +41,12 @@ inline const Protocol& smallLibraryProtocol()
     return s_protocol;
 }
 
+/// A shelf is an object of its own, which knows no more than a small library.
 inline XPCInterfacePtr libraryInterface()
 {
-    return std::make_shared<XPCInterface>(libraryProtocol());
+    const auto interface = std::make_shared<XPCInterface>(libraryProtocol());
+    interface->setInterface(std::make_shared<XPCInterface>(smallLibraryProtocol()), {"shelf:withReply:", 0});
+    return interface;
 }
 
 /// Calls a block with each message, and remembers it.

@@ -1,15 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "diagnostics/exception.h"
-#include "foundation/error.h"
-#include "messaging/reply_queue.h"
-#include "messaging/transport_connection.h"
-#include "messaging/xpc_connection.h"
 #include "messaging/xpc_endpoint.h"
 #include "messaging/xpc_error.h"
-#include "tests/messaging/bus_world.h"
-#include "tests/messaging/in_process_world.h"
-#include "tests/messaging/library_object.h"
-#include "tests/support/awaited.h"
+#include "tests/messaging/transport_fixture.h"
 
 #include <QCoreApplication>
 #include <QThread>
@@ -26,106 +19,17 @@ namespace havrel {
 namespace {
 
 using tests::Awaited;
-using tests::BusWorld;
-using tests::InProcessWorld;
+using tests::kLibrary;
 using tests::libraryInterface;
 using tests::LibraryObject;
-using tests::OneProcessBusWorld;
-
-constexpr const char* kService = "com.havrel.library.1000";
 
 /// What every transport has to do, on each of them.
 template<class World>
-class Transport : public ::testing::Test
+class Transport : public tests::TransportFixture<World>
 {
-protected:
-    /// What comes out of one message.
-    struct Outcome
-    {
-        std::optional<QVariantList> values;
-        std::optional<Error> error;
-    };
-
-    void TearDown() override
-    {
-        m_proxy.reset();
-        for (const auto& weak : m_made)
-            if (const auto connection = weak.lock())
-                endAndWait(*connection);
-        for (const XPCConnectionPtr& each : m_accepted.first(m_accepted.count()))
-            endAndWait(*each);
-    }
-
-    /// Until nothing of it is handled any more: handlers refer to the test.
-    static void endAndWait(XPCConnection& connection)
-    {
-        Awaited<bool> done;
-        connection.invalidate();
-        dynamic_cast<TransportConnection&>(connection).replyQueue().async([&] { done.tell(true); });
-        EXPECT_TRUE(done.one().has_value());
-    }
-
-    XPCListener::Acceptor acceptor(XPCInterfacePtr interface)
-    {
-        return [this, interface](const XPCConnectionPtr& connection) {
-            connection->setExportedInterface(interface);
-            connection->setExportedObject(m_object);
-            connection->setRemoteObjectInterface(libraryInterface());
-            connection->setInvalidationHandler([this] { m_farEnds.tell(true); });
-            m_accepted.tell(connection);
-            return true;
-        };
-    }
-
-    void serve(LibraryObject::Block block = {}, XPCInterfacePtr interface = libraryInterface())
-    {
-        m_object = std::make_shared<LibraryObject>(std::move(block));
-        m_listener = m_world.server().listenerForService(QString::fromLatin1(kService), xpc_options::kNone);
-        m_listener->setAcceptor(acceptor(std::move(interface)));
-        ASSERT_EQ(m_listener->resume(), 0);
-    }
-
-    void connect(bool resumes = true)
-    {
-        m_connection = m_world.caller().connectionToService(QString::fromLatin1(kService), xpc_options::kNone);
-        m_made.push_back(m_connection);
-        m_connection->setRemoteObjectInterface(libraryInterface());
-        m_connection->setInvalidationHandler([this] { m_ends.tell(true); });
-        if (resumes)
-            m_connection->resume();
-        m_proxy = m_connection->remoteObjectProxyWithErrorHandler([this](const Error& error) { m_errors.tell(error); });
-    }
-
-    void send(const QByteArray& keywordName, const QVariantList& values = {}) { m_proxy->send(keywordName, values); }
-    void ask(const QByteArray& keywordName, const QVariantList& values, Awaited<Outcome>& outcomes)
-    {
-        const auto proxy = m_connection->remoteObjectProxyWithErrorHandler([&](const Error& error) {
-            outcomes.tell({{}, error});
-        });
-        proxy->send(keywordName, values, [&](const QVariantList& answer) { outcomes.tell({answer, {}}); });
-    }
-    Outcome ask(const QByteArray& keywordName, const QVariantList& values = {})
-    {
-        Awaited<Outcome> outcomes;
-        ask(keywordName, values, outcomes);
-        return outcomes.one().value_or(Outcome());
-    }
-    bool barrier() { return ask("barrierWithCompletion:").values.has_value(); }
-
-    World m_world;
-    std::shared_ptr<LibraryObject> m_object;
-    std::unique_ptr<XPCListener> m_listener;
-    XPCConnectionPtr m_connection;
-    std::vector<std::weak_ptr<XPCConnection>> m_made;
-    XPCProxyPtr m_proxy;
-    Awaited<XPCConnectionPtr> m_accepted;
-    Awaited<Error> m_errors;
-    Awaited<bool> m_ends;
-    Awaited<bool> m_farEnds;
 };
 
-using Worlds = ::testing::Types<InProcessWorld, BusWorld, OneProcessBusWorld>;
-TYPED_TEST_SUITE(Transport, Worlds);
+TYPED_TEST_SUITE(Transport, tests::Worlds);
 
 TYPED_TEST(Transport, CarriesAMessageAndItsReply)
 {
@@ -134,7 +38,7 @@ TYPED_TEST(Transport, CarriesAMessageAndItsReply)
     const auto outcome = this->ask("borrow:withReply:", {QStringLiteral("Æsop")});
     EXPECT_EQ(outcome.values, QVariantList{QStringLiteral("Æsop")});
     EXPECT_EQ(this->m_object->noted.first(1)[0].keywordName, "borrow:withReply:");
-    EXPECT_EQ(this->m_connection->serviceName(), QLatin1StringView(kService));
+    EXPECT_EQ(this->m_connection->serviceName(), QLatin1StringView(kLibrary));
     EXPECT_TRUE(this->m_accepted.one().value()->serviceName().isNull());
 }
 
@@ -312,7 +216,7 @@ TYPED_TEST(Transport, FailsMessagesToAServiceThatIsNotThereButNotInsideOfSending
 TYPED_TEST(Transport, RefusesToServeANameTwice)
 {
     this->serve();
-    const auto second = this->m_world.caller().listenerForService(QString::fromLatin1(kService), xpc_options::kNone);
+    const auto second = this->m_world.caller().listenerForService(QString::fromLatin1(kLibrary), xpc_options::kNone);
     EXPECT_EQ(second->resume(), EEXIST);
     this->m_listener->invalidate();
     EXPECT_EQ(second->resume(), 0);
@@ -334,7 +238,7 @@ TYPED_TEST(Transport, EndsConnectionsThatAreNotWelcome)
 {
     this->serve();
     this->m_listener->invalidate();
-    this->m_listener = this->m_world.server().listenerForService(QString::fromLatin1(kService), xpc_options::kNone);
+    this->m_listener = this->m_world.server().listenerForService(QString::fromLatin1(kLibrary), xpc_options::kNone);
     this->m_listener->setAcceptor([](const XPCConnectionPtr&) { return false; });
     ASSERT_EQ(this->m_listener->resume(), 0);
     this->connect();
@@ -465,7 +369,7 @@ TYPED_TEST(Transport, LetsAHandlerWaitForAnotherConnection)
 {
     this->serve();
     const auto own = std::make_shared<LibraryObject>([this](const XPCMessage& message) {
-        const auto other = this->m_world.caller().connectionToService(QString::fromLatin1(kService), 0);
+        const auto other = this->m_world.caller().connectionToService(QString::fromLatin1(kLibrary), 0);
         other->setRemoteObjectInterface(libraryInterface());
         other->resume();
         Awaited<QVariantList> answers;
@@ -516,7 +420,7 @@ TYPED_TEST(Transport, SurvivesThreadsThatCallAndInvalidateAtOnce)
     this->serve();
     constexpr int kRounds = 200;
     for (int round = 0; round < kRounds; ++round) {
-        const auto connection = this->m_world.caller().connectionToService(QString::fromLatin1(kService), 0);
+        const auto connection = this->m_world.caller().connectionToService(QString::fromLatin1(kLibrary), 0);
         connection->setRemoteObjectInterface(libraryInterface());
         Awaited<int> outcomes;
         connection->resume();

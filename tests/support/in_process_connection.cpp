@@ -115,7 +115,7 @@ void InProcessConnection::carry(const SentMessagePtr& sent)
          .values = sent->values,
          .duty = sent->reply ? std::make_shared<InProcessDuty>(shared_from_this(), sent, isLost) : nullptr,
          .protocolName = sent->declarer->name(),
-         .signature = sent->message->takes.join()});
+         .signature = sent->message->signature});
     if (fault == Fault::DeathAfterwards)
         endOther();
 }
@@ -134,6 +134,11 @@ void InProcessConnection::close()
     m_closed = true;
     if (const auto other = peer())
         other->ended(invalid("the other end has ended the connection"));
+}
+
+XPCConnectionPtr InProcessConnection::connectionTo(const XPCEndpoint& endpoint)
+{
+    return m_place->transport().connectionToEndpoint(endpoint);
 }
 
 } // namespace havrel::tests

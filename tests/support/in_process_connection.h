@@ -35,6 +35,7 @@ protected:
     void carry(const SentMessagePtr& sent) override;
     void askForAcknowledgement(quint32 count) override;
     void close() override;
+    [[nodiscard]] XPCConnectionPtr connectionTo(const XPCEndpoint& endpoint) override;
 
 private:
     [[nodiscard]] std::shared_ptr<InProcessConnection> peer() const HAVREL_EXCLUDES(m_peerLock);

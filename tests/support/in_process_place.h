@@ -17,11 +17,13 @@ class InProcessConnection;
 class InProcessPlace : public std::enable_shared_from_this<InProcessPlace>
 {
 public:
-    explicit InProcessPlace(QString name)
-        : m_name(std::move(name))
+    InProcessPlace(InProcessTransport& transport, QString name)
+        : m_transport(transport)
+        , m_name(std::move(name))
     {
     }
 
+    [[nodiscard]] InProcessTransport& transport() const noexcept { return m_transport; }
     [[nodiscard]] const QString& name() const noexcept { return m_name; }
 
     /// \return false when it is served already
@@ -44,6 +46,7 @@ private:
     /// Ended ones too, as long as something holds them.
     [[nodiscard]] std::vector<std::shared_ptr<InProcessConnection>> alive() HAVREL_REQUIRES(m_lock);
 
+    InProcessTransport& m_transport;
     const QString m_name;
     ReplyQueue m_queue; // the listener's
     Mutex m_lock;

@@ -78,7 +78,7 @@ std::shared_ptr<InProcessPlace> InProcessTransport::placeNamed(const QString& pl
     const MutexLock guard(m_lock);
     auto& found = m_places[place];
     if (!found)
-        found = std::make_shared<InProcessPlace>(place);
+        found = std::make_shared<InProcessPlace>(*this, place);
     return found;
 }
 

@@ -45,6 +45,9 @@ public:
     /// Lets other users connect, as no session's bus does.
     void letOthersIn() const { ::chmod(m_tree.path("").c_str(), 0711); }
 
+    /// The same without the mark of this very bus, which one that is started again does not have.
+    [[nodiscard]] QByteArray lastingAddress() const { return m_address.split(',').constFirst(); }
+
     /// Ends the bus at once, as a crash does.
     void end()
     {
@@ -54,6 +57,8 @@ public:
         ::waitpid(m_daemon, nullptr, 0);
         m_daemon = 0;
     }
+    /// Starts another bus at the same address, once this one has ended.
+    void startAgain() { start(); }
     /// Lets it answer nobody, and go on.
     void stop() const { ::kill(m_daemon, SIGSTOP); }
     void resume() const { ::kill(m_daemon, SIGCONT); }
