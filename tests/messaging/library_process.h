@@ -44,6 +44,19 @@ public:
     LibraryProcess(LibraryProcess&&) = delete;
     LibraryProcess& operator=(LibraryProcess&&) = delete;
 
+    /// Has another process connect to the library and make a round trip. \return whether that succeeded
+    [[nodiscard]] static bool reaches(const QByteArray& address, As user)
+    {
+        const pid_t process = ::fork();
+        if (process == 0)
+            become(user, address, "reach");
+        int status = 0;
+        ::waitpid(process, &status, 0);
+        if (!WIFEXITED(status) || WEXITSTATUS(status) > 1)
+            throw std::runtime_error("the caller does not start");
+        return WEXITSTATUS(status) == 0;
+    }
+
     void kill()
     {
         if (m_process <= 1)
@@ -62,15 +75,21 @@ public:
 private:
     [[noreturn]] static void run(const QByteArray& address, As user, int told, const char* trace)
     {
-        constexpr uid_t kNobody = 65534;
-        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         ::dup2(told, 1);
         if (trace != nullptr && (::setenv("HAVREL_TRACE_BUS", "1", 1) != 0 ||
                                  ::dup2(::open(trace, O_WRONLY | O_CREAT | O_CLOEXEC, 0600), 2) < 0))
             ::_exit(125);
+        become(user, address, nullptr);
+    }
+
+    /// \param what "reach"; null: to serve
+    [[noreturn]] static void become(As user, const QByteArray& address, const char* what)
+    {
+        constexpr uid_t kNobody = 65534;
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         if (user == As::Nobody && (::setegid(kNobody) != 0 || ::seteuid(kNobody) != 0))
             ::_exit(126);
-        ::execl(HAVREL_LIBRARY_PROGRAM, HAVREL_LIBRARY_PROGRAM, address.constData(), nullptr);
+        ::execl(HAVREL_LIBRARY_PROGRAM, HAVREL_LIBRARY_PROGRAM, address.constData(), what, nullptr);
         ::_exit(127);
     }
 

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 // A program for tests: serves the library on a message bus until it is killed or loses its bus, and writes one byte to
-// standard output when it serves.
+// standard output when it serves. Or makes a round trip to the library, and fails when that does.
 //
-// usage: library_service ADDRESS
+// usage: library_service ADDRESS [reach]
 #include "messaging/bus_router.h"
 #include "messaging/bus_transport.h"
+#include "messaging/reply_threads.h"
 #include "tests/messaging/library_object.h"
 
 #include <cerrno>
@@ -47,13 +48,30 @@ private:
     std::vector<XPCReply> m_kept;
 };
 
+const QString kService = QStringLiteral("com.havrel.library.1000");
+
+int reach(const QByteArray& address)
+{
+    BusTransport transport({.session = address, .system = "unix:path=/none"});
+    const XPCConnectionPtr connection = transport.connectionToService(kService, xpc_options::kNone);
+    connection->setRemoteObjectInterface(tests::libraryInterface());
+    connection->resume();
+    tests::Awaited<bool> outcomes;
+    connection->remoteObjectProxyWithErrorHandler([&](const Error&) { outcomes.tell(false); })
+        ->send("barrierWithCompletion:", {}, [&](const QVariantList&) { outcomes.tell(true); });
+    const bool succeeded = outcomes.one().value_or(false);
+    connection->invalidate();
+    ReplyThreads::shared().leave();
+    return succeeded ? 0 : 1;
+}
+
 int serve(const QByteArray& address)
 {
     BusTransport transport({.session = address, .system = "unix:path=/none"});
     const auto library = std::make_shared<Library>(transport);
     const auto object =
         std::make_shared<tests::LibraryObject>([library](const XPCMessage& message) { library->handle(message); });
-    const auto listener = transport.listenerForService(QStringLiteral("com.havrel.library.1000"), xpc_options::kNone);
+    const auto listener = transport.listenerForService(kService, xpc_options::kNone);
     listener->setAcceptor([&](const XPCConnectionPtr& connection) {
         connection->setExportedInterface(tests::libraryInterface());
         connection->setExportedObject(object);
@@ -71,5 +89,7 @@ int serve(const QByteArray& address)
 
 int main(int argc, char** argv)
 {
+    if (argc == 3)
+        return havrel::reach(argv[1]);
     return argc == 2 ? havrel::serve(argv[1]) : 2;
 }
