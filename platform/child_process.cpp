@@ -145,6 +145,12 @@ void OwnedChildProcess::interrupt() const noexcept
         ::kill(m_child, SIGINT);
 }
 
+void OwnedChildProcess::kill() const noexcept
+{
+    if (m_child > 0)
+        ::kill(m_child, SIGKILL);
+}
+
 LaunchResult launch(const ProgramLaunch& wanted)
 {
     ArgumentVector words(wanted.program, wanted.arguments);

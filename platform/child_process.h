@@ -43,6 +43,8 @@ public:
     int wait() noexcept;
     /// Asks the program to end, as Ctrl-C does. \source kill(2), SIGINT
     void interrupt() const noexcept;
+    /// Ends the program, which gets no time for anything. \source kill(2), SIGKILL
+    void kill() const noexcept;
 
 private:
     pid_t m_child = 0; // 0 when there is none

@@ -4,8 +4,10 @@
 #include "platform/child_process.h"
 #include "platform/pipe.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 
 #include <poll.h>
 #include <sys/mman.h>
@@ -75,19 +77,61 @@ private:
     qsizetype m_searched = 0; // bytes of what is held that are known to have no newline
 };
 
-void readAll(std::array<LineStream, 2>& streams, const OwnedChildProcess& child, const LineBlock& line)
+/// Sees to it that a program ends which is wanted no more: asks it to, and ends it when it takes too long.
+class Ending
 {
-    bool interrupted = false;
-    while (streams[0].descriptor() >= 0 || streams[1].descriptor() >= 0) {
+public:
+    Ending(const OwnedChildProcess& child, const ProgramCall& call)
+        : m_child(child)
+        , m_call(call)
+    {
+    }
+
+    void take(Proceed proceed)
+    {
+        if (proceed == Proceed::Yes || m_latest)
+            return;
+        m_child.interrupt();
+        m_latest = Clock::now() + m_call.patience;
+    }
+    /// As poll(2) wants it.
+    [[nodiscard]] int milliseconds() const
+    {
+        constexpr int kPulse = 200;
+        if (!m_latest)
+            return m_call.pulse ? kPulse : -1;
+        const auto rest = std::chrono::ceil<std::chrono::milliseconds>(*m_latest - Clock::now());
+        return static_cast<int>(std::max<std::chrono::milliseconds::rep>(rest.count(), 0));
+    }
+    /// Nothing has come for that long.
+    void pulse()
+    {
+        if (!m_latest && m_call.pulse)
+            take(m_call.pulse());
+    }
+    [[nodiscard]] bool isOverdue() const { return m_latest && Clock::now() >= *m_latest; }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    const OwnedChildProcess& m_child;
+    const ProgramCall& m_call;
+    std::optional<Clock::time_point> m_latest; // when it has to have ended
+};
+
+void readAll(std::array<LineStream, 2>& streams, Ending& ending, const LineBlock& line)
+{
+    while ((streams[0].descriptor() >= 0 || streams[1].descriptor() >= 0) && !ending.isOverdue()) {
         std::array<pollfd, 2> waits{pollfd{streams[0].descriptor(), POLLIN, 0},
                                     pollfd{streams[1].descriptor(), POLLIN, 0}};
-        if (::poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR)
+        const int came = ::poll(waits.data(), waits.size(), ending.milliseconds());
+        if (came < 0 && errno != EINTR)
             return;
-        for (std::size_t i = 0; i < waits.size(); ++i) {
-            if (waits[i].revents == 0 || streams[i].read(line) == Proceed::Yes || std::exchange(interrupted, true))
-                continue;
-            child.interrupt();
-        }
+        if (came == 0)
+            ending.pulse();
+        for (std::size_t i = 0; i < waits.size(); ++i)
+            if (waits[i].revents != 0)
+                ending.take(streams[i].read(line));
     }
 }
 
@@ -112,7 +156,10 @@ ProgramEnd runForLines(const ProgramCall& call, const LineBlock& line)
     errors.writeEnd.reset();
     std::array<LineStream, 2> streams{LineStream(OutputStream::Output, std::move(output.readEnd)),
                                       LineStream(OutputStream::Errors, std::move(errors.readEnd))};
-    readAll(streams, launched.child, line);
+    Ending ending(launched.child, call);
+    readAll(streams, ending, line);
+    if (ending.isOverdue())
+        launched.child.kill();
     return {.status = launched.child.wait()};
 }
 

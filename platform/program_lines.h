@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QByteArrayList>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -21,6 +22,10 @@ struct ProgramCall
     QByteArrayList arguments = {};
     QByteArray input = {};                          ///< all that its standard input holds
     std::optional<QByteArrayList> environment = {}; ///< "NAME=value"; none: this process's
+    /// Asked some times a second while the program writes nothing; empty: nobody is.
+    std::function<Proceed()> pulse = {};
+    /// How long a program that was interrupted may take to end before it is killed.
+    std::chrono::milliseconds patience{10'000};
 };
 
 /// How a run came to its end.
@@ -33,7 +38,8 @@ struct ProgramEnd
 /// Runs a program and calls \p line, on this thread, for each line of either stream as it comes, without its newline;
 /// lines of one stream keep their order. The last line need not end. Blocks until the program has ended and everybody
 /// who inherited its streams has closed them. An answer of Proceed::No interrupts the program (SIGINT, once); what it
-/// still writes arrives.
+/// still writes arrives, until the call's patience is at its end: then it is killed (SIGKILL), and who has inherited
+/// its streams is not waited for.
 ///
 /// \source poll(2), memfd_create(2)
 ///

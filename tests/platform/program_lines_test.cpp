@@ -87,6 +87,33 @@ TEST(ProgramLines, EndWhenTheCallerWantsNoMore)
     EXPECT_EQ(end.status, 128 + SIGINT);
 }
 
+TEST(ProgramLines, EndWhenTheCallerWantsNoMoreOfAProgramThatSaysNothing)
+{
+    int pulses = 0;
+    const ProgramEnd end = runForLines({.program = programOfName("sleep"),
+                                        .arguments = {"600"},
+                                        .pulse = [&pulses] { return ++pulses < 2 ? Proceed::Yes : Proceed::No; }},
+                                       [](OutputStream, const QByteArray&) { return Proceed::Yes; });
+
+    EXPECT_EQ(pulses, 2);
+    EXPECT_EQ(end.status, 128 + SIGINT);
+}
+
+TEST(ProgramLines, EndAtLastWhenTheProgramHeedsNoInterruption)
+{
+    QByteArrayList lines;
+    const ProgramEnd end = runForLines({.program = programOfName("sh"),
+                                        .arguments = {"-c", "trap '' INT; echo ready; exec sleep 600"},
+                                        .patience = std::chrono::milliseconds(300)},
+                                       [&lines](OutputStream, const QByteArray& line) {
+                                           lines.append(line);
+                                           return Proceed::No;
+                                       });
+
+    EXPECT_EQ(lines.value(0), "ready");
+    EXPECT_EQ(end.status, 128 + SIGKILL);
+}
+
 TEST(ProgramLines, ArePreventedByAProgramThatIsNotThere)
 {
     const TemporaryTree tree;
