@@ -100,6 +100,15 @@ public:
         return status == std::cv_status::no_timeout;
     }
 
+    /// The same by the system's clock, also when that is set meanwhile, or the system sleeps.
+    [[nodiscard]] bool waitUntil(Mutex& mutex, std::chrono::system_clock::time_point deadline) HAVREL_REQUIRES(mutex)
+    {
+        std::unique_lock held(mutex.m_mutex, std::adopt_lock);
+        const std::cv_status status = m_condition.wait_until(held, deadline);
+        held.release(); // it stays taken
+        return status == std::cv_status::no_timeout;
+    }
+
     void notifyOne() noexcept { m_condition.notify_one(); }
     void notifyAll() noexcept { m_condition.notify_all(); }
 
