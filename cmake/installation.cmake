@@ -20,7 +20,9 @@ set(icons ${CMAKE_INSTALL_DATADIR}/icons/hicolor)
 install(FILES resources/icons/${app_id}.svg DESTINATION ${icons}/scalable/apps COMPONENT havrel)
 install(FILES resources/icons/${app_id}-symbolic.svg DESTINATION ${icons}/symbolic/apps COMPONENT havrel)
 
-install(FILES docs/man/havrel.1 docs/man/havrel-service.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT havrel)
+foreach(program IN ITEMS havrel havrel-monitor havrel-scheduler havrel-service havrel-switchboard)
+    install(FILES docs/man/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT havrel)
+endforeach()
 install(FILES resources/completions/havrel.bash
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME havrel COMPONENT havrel)
 install(FILES resources/completions/_havrel

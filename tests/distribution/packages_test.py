@@ -18,7 +18,11 @@ PACKAGES = {
                 "usr/share/icons/hicolor/scalable/apps/com.havrel.Service.svg",
                 "usr/share/icons/hicolor/symbolic/apps/com.havrel.Service-symbolic.svg",
                 "usr/share/dbus-1/services/com.havrel.Service.service", "usr/share/systemd/user/havrel-service.service",
-                "usr/share/man/man1/havrel.1", "usr/share/bash-completion/completions/havrel",
+                *(f"usr/share/dbus-1/services/com.havrel.{each}.service" for each in ("Switchboard", "Monitor", "Scheduler")),
+                *(f"{place}/havrel-{each}{ending}" for each in ("switchboard", "monitor", "scheduler")
+                  for place, ending in (("usr/bin", ""), ("usr/share/systemd/user", ".service"),
+                                        ("usr/share/man/man1", ".1"))),
+                "usr/share/man/man1/havrel.1", "usr/share/man/man1/havrel-service.1", "usr/share/bash-completion/completions/havrel",
                 "usr/share/zsh/vendor-completions/_havrel", "usr/share/fish/vendor_completions.d/havrel.fish",
                 "usr/share/doc/havrel/copyright"],
                {"Depends": ["libqt6core6", "dbus-session-bus"], "Suggests": ["havrel-nautilus"]}),
