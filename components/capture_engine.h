@@ -28,6 +28,8 @@ struct EngineProgress
     qint64 bytes = 0; ///< found so far
     qint64 bytesDone = 0;
     QStringList current; ///< names of what is being read, to be shown
+
+    friend bool operator==(const EngineProgress&, const EngineProgress&) = default;
 };
 
 /// What could not be captured or restored, while the rest was. For people: a name whose bytes are not UTF-8 is shown
@@ -96,8 +98,9 @@ public:
     virtual void makeRepository() = 0;
 
     /// Captures \p items with all that is in them. Items that are missing, vanish meanwhile or cannot be read become
-    /// problems, unless nothing is left to capture. \p progress is called some times a second on this thread; when it
-    /// answers Proceed::No, the capture is given up and raised about, and the archive is as before.
+    /// problems, unless nothing is left to capture. \p progress is called some times a second on this thread, whether
+    /// or not there is any; when it answers Proceed::No, the capture is given up and raised about, and the archive is
+    /// as before.
     virtual CaptureSummary capture(const QByteArrayList& items, const EngineProgressBlock& progress) = 0;
 
     /// All captures, the oldest first.

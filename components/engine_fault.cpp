@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <csignal>
 
 namespace havrel {
 namespace {
@@ -80,10 +81,14 @@ const FaultRow& rowOf(EngineFault fault)
 EngineFault faultOfEngine(int status, const QByteArrayList& words)
 {
     // Exit statuses of restic 0.17 and later. \source restic's manual, "Exit codes"
+    constexpr int kSignalled = 128; // and the number of the signal. \source platform/program_lines.h
     constexpr std::array kStatuses{std::pair{10, EngineFault::NoRepository},
                                    std::pair{11, EngineFault::Locked},
                                    std::pair{12, EngineFault::WrongKey},
-                                   std::pair{130, EngineFault::Stopped}};
+                                   std::pair{kSignalled + SIGHUP, EngineFault::Stopped},
+                                   std::pair{kSignalled + SIGINT, EngineFault::Stopped},
+                                   std::pair{kSignalled + SIGKILL, EngineFault::Stopped},
+                                   std::pair{kSignalled + SIGTERM, EngineFault::Stopped}};
     for (const auto& [number, fault] : kStatuses)
         if (status == number)
             return fault;

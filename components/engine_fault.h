@@ -18,7 +18,7 @@ enum class EngineFault {
     AlreadyThere,     ///< a repository is there already
     Denied,           ///< this user may not read or write there
     NothingToCapture, ///< none of the items is there
-    Stopped,          ///< the caller wanted no more
+    Stopped,          ///< the caller wanted no more, or somebody has ended the engine's program by a signal
     Other,
 };
 

@@ -2,6 +2,7 @@
 #include "components/restic_capture.h"
 
 #include "components/engine_fault.h"
+#include "components/item_names.h"
 #include "components/link_targets.h"
 #include "components/restic_messages.h"
 #include "components/restic_texts.h"
@@ -10,6 +11,7 @@
 #include "platform/items.h"
 
 #include <cerrno>
+#include <utility>
 
 namespace havrel::restic {
 namespace {
@@ -34,30 +36,41 @@ QByteArray rawList(const QByteArrayList& items)
 
 } // namespace
 
-Capture::Capture(const Program& program, const EngineProgressBlock& progress)
+Capture::Capture(const Program& program,
+                 const EngineProgressBlock& progress,
+                 std::function<QString(const QByteArrayList& items)> parentOf)
     : m_program(program)
     , m_progress(progress)
+    , m_parentOf(std::move(parentOf))
 {
 }
 
 CaptureSummary Capture::run(const QByteArrayList& items)
 {
-    const QByteArrayList present = itemsThatAreThere(items);
+    const QByteArrayList present = withoutCovered(itemsThatAreThere(items));
     if (present.isEmpty())
         raiseFault(EngineFault::NothingToCapture, {}, m_program.place());
-    QByteArrayList arguments{"backup", "--json", "--files-from-raw", "-"};
-    for (const QByteArray& each : tagsOf(present, linksAtOrBelow(present, isLost)))
-        arguments += {"--tag", each};
-    const Outcome outcome = m_program.run({.arguments = arguments,
+    const Outcome outcome = m_program.run({.arguments = argumentsFor(present),
                                            .input = rawList(present),
                                            .output = [this](const QByteArray& line) { return takeOutput(line); },
-                                           .errors = [this](const QByteArray& line) { return takeError(line); }});
+                                           .errors = [this](const QByteArray& line) { return takeError(line); },
+                                           .pulse = [this] { return tellProgress(); }});
     if (m_stopped && !m_summary)
         raiseFault(EngineFault::Stopped, outcome.words, m_program.place());
     if (!m_summary || (outcome.status != 0 && outcome.status != kIncomplete))
         m_program.raise(outcome);
     m_summary->problems = m_problems;
     return *m_summary;
+}
+
+QByteArrayList Capture::argumentsFor(const QByteArrayList& present) const
+{
+    QByteArrayList arguments{"backup", "--json", "--files-from-raw", "-"};
+    for (const QByteArray& each : tagsOf(present, linksAtOrBelow(present, isLost)))
+        arguments += {"--tag", each};
+    if (const QString parent = m_parentOf(present); !parent.isEmpty())
+        arguments += {"--parent", parent.toLatin1()};
+    return arguments;
 }
 
 QByteArrayList Capture::itemsThatAreThere(const QByteArrayList& items)
@@ -79,7 +92,14 @@ Proceed Capture::takeOutput(const QByteArray& line)
     const CaptureMessage message = captureMessageOf(line);
     if (message.summary)
         m_summary = message.summary;
-    if (message.progress && m_progress && m_progress(*message.progress) == Proceed::No)
+    if (message.progress)
+        m_latest = *message.progress;
+    return message.progress ? tellProgress() : Proceed::Yes;
+}
+
+Proceed Capture::tellProgress()
+{
+    if (m_progress && m_progress(m_latest) == Proceed::No)
         m_stopped = true;
     return m_stopped ? Proceed::No : Proceed::Yes;
 }

@@ -6,6 +6,7 @@
 
 #include <QSet>
 
+#include <functional>
 #include <optional>
 
 namespace havrel::restic {
@@ -16,7 +17,11 @@ namespace havrel::restic {
 class Capture
 {
 public:
-    Capture(const Program& program, const EngineProgressBlock& progress);
+    /// \param parentOf the name of the capture of the same items that is to be compared with, where the engine cannot
+    ///                  find it by their names; empty: none
+    Capture(const Program& program,
+            const EngineProgressBlock& progress,
+            std::function<QString(const QByteArrayList& items)> parentOf);
 
     /// As CaptureEngine::capture().
     [[nodiscard]] CaptureSummary run(const QByteArrayList& items);
@@ -25,10 +30,14 @@ private:
     [[nodiscard]] QByteArrayList itemsThatAreThere(const QByteArrayList& items);
     [[nodiscard]] platform::Proceed takeOutput(const QByteArray& line);
     [[nodiscard]] platform::Proceed takeError(const QByteArray& line);
+    [[nodiscard]] platform::Proceed tellProgress();
+    [[nodiscard]] QByteArrayList argumentsFor(const QByteArrayList& present) const;
     void addProblem(const EngineProblem& problem);
 
     const Program& m_program;
     const EngineProgressBlock& m_progress;
+    const std::function<QString(const QByteArrayList& items)> m_parentOf;
+    EngineProgress m_latest;
     std::optional<CaptureSummary> m_summary;
     QList<EngineProblem> m_problems;
     QSet<QString> m_withProblem; // items

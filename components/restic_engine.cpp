@@ -7,6 +7,10 @@
 #include "components/restic_capture.h"
 #include "components/restic_listing.h"
 #include "components/restic_restore.h"
+#include "components/restic_texts.h"
+#include "platform/host.h"
+
+#include <QSet>
 
 #include <algorithm>
 
@@ -31,7 +35,24 @@ void ResticEngine::makeRepository()
 
 CaptureSummary ResticEngine::capture(const QByteArrayList& items, const EngineProgressBlock& progress)
 {
-    return restic::Capture(m_program, progress).run(items);
+    return restic::Capture(m_program, progress, [this](const QByteArrayList& each) { return parentOf(each); })
+        .run(items);
+}
+
+/// The engine finds the capture before by the text of its paths, so never where that has lost bytes: every file would
+/// be read again. As it does, only captures of this host count.
+QString ResticEngine::parentOf(const QByteArrayList& items) const
+{
+    if (std::all_of(items.begin(), items.end(), restic::survivesAsText))
+        return {};
+    const QSet<QByteArray> wanted(items.begin(), items.end());
+    const QList<restic::StoredCapture> all = storedCaptures();
+    const auto found = std::find_if(all.rbegin(), all.rend(), [&wanted](const restic::StoredCapture& each) {
+        const QByteArrayList& held = each.record.items;
+        return each.record.host.toUtf8() == platform::host().hostName() &&
+               QSet<QByteArray>(held.begin(), held.end()) == wanted;
+    });
+    return found == all.rend() ? QString() : found->record.id;
 }
 
 QList<restic::StoredCapture> ResticEngine::storedCaptures() const

@@ -34,6 +34,7 @@ public:
 
 private:
     [[nodiscard]] QList<restic::StoredCapture> storedCaptures() const;
+    [[nodiscard]] QString parentOf(const QByteArrayList& items) const;
     [[nodiscard]] QByteArrayList heldBy(const CaptureRecord& capture, const QByteArrayList& items);
 
     restic::Program m_program;

@@ -71,7 +71,8 @@ Outcome Program::run(const Call& call) const
     const platform::ProgramEnd end = platform::runForLines({.program = program,
                                                             .arguments = m_common + call.arguments,
                                                             .input = call.input,
-                                                            .environment = environmentOfProgram()},
+                                                            .environment = environmentOfProgram(),
+                                                            .pulse = call.pulse},
                                                            take);
     if (end.errnoValue != 0)
         raiseFault(EngineFault::Other, {program + ": " + systemErrorText(end.errnoValue).toLatin1()}, m_place);

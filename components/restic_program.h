@@ -31,10 +31,11 @@ public:
     using LineBlock = std::function<platform::Proceed(const QByteArray& line)>;
     struct Call
     {
-        QByteArrayList arguments; ///< "backup", "--json" ...
-        QByteArray input = {};    ///< what its standard input holds
-        LineBlock output = {};    ///< called for each line of its output
-        LineBlock errors = {};    ///< called for each line of its standard error
+        QByteArrayList arguments;                      ///< "backup", "--json" ...
+        QByteArray input = {};                         ///< what its standard input holds
+        LineBlock output = {};                         ///< called for each line of its output
+        LineBlock errors = {};                         ///< called for each line of its standard error
+        std::function<platform::Proceed()> pulse = {}; ///< asked now and then while it writes nothing
     };
 
     explicit Program(const ArchiveFile& archive);

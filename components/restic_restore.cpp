@@ -82,13 +82,14 @@ void Restore::bringBack(const QByteArrayList& items, const RestoredItems& restor
     for (qsizetype at = 0; at < items.size();) {
         const QByteArrayList patterns = nextPatterns(items, at);
         const QByteArrayList common{"restore", "--target", restored.folder()};
+        const qsizetype before = m_failed.size();
         const Outcome outcome =
             m_program.run({.arguments = common + patterns + QByteArrayList{"--", m_capture.record.id.toLatin1()},
                            .errors = [&](const QByteArray& line) {
                                takeFailure(line, restored);
                                return Proceed::Yes;
                            }});
-        if (outcome.status != 0 && m_failed.isEmpty())
+        if (outcome.status != 0 && m_failed.size() == before)
             m_program.raise(outcome);
     }
 }

@@ -8,15 +8,12 @@
 #include "platform/items.h"
 #include "tests/components/archive_fixture.h"
 #include "tests/components/described_tree.h"
+#include "tests/components/engine_obstacles.h"
 #include "tests/support/mounted_folder.h"
 #include "tests/support/ordinary_user.h"
 
-#include <QElapsedTimer>
-#include <QProcess>
-
 #include <cerrno>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -61,7 +58,10 @@ TEST(EngineFault, IsToldByWhatTheEngineSays)
         {10, "", EngineFault::NoRepository},
         {11, "", EngineFault::Locked},
         {12, "", EngineFault::WrongKey},
+        {129, "", EngineFault::Stopped},
         {130, "", EngineFault::Stopped},
+        {137, "", EngineFault::Stopped},
+        {143, "", EngineFault::Stopped},
     };
     for (const WordsRow& row : rows)
         EXPECT_EQ(faultOfEngine(row.status, QByteArray(row.words).split('\n')), row.fault) << row.words;
@@ -169,54 +169,6 @@ TEST_F(AnEngine, TakesNoRepositoryOverThatIsThereAlready)
     EXPECT_EQ(raisedBy([this] { engineOf(m_archive)->makeRepository(); }).fault, "wrong-key");
 }
 
-/// Holds the repository's lock: a pipe among its indexes, which nobody fills, keeps a check of it waiting.
-class LockingProgram
-{
-public:
-    LockingProgram(const TemporaryTree& tree, const QByteArray& keyFile)
-    {
-        m_pipe = tree.bytes("repository/index/") + QByteArray(64, 'a');
-        if (::mkfifo(m_pipe.constData(), 0600) != 0)
-            return;
-        m_program.start(QStringLiteral("restic"),
-                        {QStringLiteral("--repo"),
-                         QString::fromUtf8(tree.bytes("repository")),
-                         QStringLiteral("--password-file"),
-                         QString::fromUtf8(keyFile),
-                         QStringLiteral("check")});
-        // It has begun to read the pipe, with the lock in its hands, when the other end can be opened.
-        for (QElapsedTimer timer = started(); m_writeEnd < 0 && timer.elapsed() < 50'000;)
-            if ((m_writeEnd = ::open(m_pipe.constData(), O_WRONLY | O_NONBLOCK | O_CLOEXEC)) < 0)
-                m_program.waitForFinished(20);
-    }
-    ~LockingProgram()
-    {
-        m_program.kill();
-        m_program.waitForFinished();
-        if (m_writeEnd >= 0)
-            ::close(m_writeEnd);
-        ::unlink(m_pipe.constData());
-    }
-    LockingProgram(const LockingProgram&) = delete;
-    LockingProgram& operator=(const LockingProgram&) = delete;
-    LockingProgram(LockingProgram&&) = delete;
-    LockingProgram& operator=(LockingProgram&&) = delete;
-
-    [[nodiscard]] bool holdsTheLock() const { return m_writeEnd >= 0; }
-
-private:
-    static QElapsedTimer started()
-    {
-        QElapsedTimer timer;
-        timer.start();
-        return timer;
-    }
-
-    QByteArray m_pipe;
-    QProcess m_program;
-    int m_writeEnd = -1;
-};
-
 TEST_F(AnEngine, TellsThatAnotherProgramHasLockedTheArchive)
 {
     const LockingProgram other(m_tree, keyFileOf(m_archive.identifier));
@@ -236,10 +188,7 @@ TEST_F(AnEngine, TellsThatThereIsNoRoom)
     m_archive.repository = m_tree.bytes("small/repository");
     m_engine = engineOf(m_archive);
     m_engine->makeRepository();
-    QByteArray noise;
-    for (quint32 number = 1; noise.size() < 6'000'000; number = number * 1664525 + 1013904223)
-        noise += static_cast<char>(number >> 24U);
-    m_tree.write("items/large", noise.toStdString());
+    m_tree.write("items/large", bytesWithoutPattern(6'000'000).toStdString());
 
     const Raised raised = raisedByCapturing();
 
@@ -287,22 +236,6 @@ TEST_F(AnEngine, TellsWhenAttributesHaveNoPlaceToComeBackTo)
     EXPECT_EQ(platform::readFile(m_tree.bytes("bare/items/one")).bytes, "1");
 }
 
-/// A program of the engine's name that runs a script of the shell first.
-class ScriptedProgram
-{
-public:
-    ScriptedProgram(const TemporaryTree& tree, const QByteArray& script)
-    {
-        tree.add("bin/restic");
-        tree.write("bin/restic", ("#!/bin/sh\n" + script).toStdString());
-        ::chmod(tree.path("bin/restic").c_str(), 0755);
-        m_path.emplace("PATH", tree.bytes("bin") + ':' + qgetenv("PATH"));
-    }
-
-private:
-    std::optional<EnvironmentValue> m_path;
-};
-
 TEST_F(AnEngine, GoesOnWhenItemsVanishBeforeTheirTurn)
 {
     m_tree.write("items/two", "2");
@@ -314,6 +247,34 @@ TEST_F(AnEngine, GoesOnWhenItemsVanishBeforeTheirTurn)
     EXPECT_EQ(summary.problems,
               QList<EngineProblem>({{QString::fromUtf8(m_items + "/two"), QStringLiteral("it is not there")}}));
     EXPECT_EQ(m_engine->captures().constLast().items, QByteArrayList{m_items + "/one"});
+}
+
+/// A list of one's own open files holds the folder that is being listed, which is closed when its turn comes.
+TEST_F(AnEngine, GoesOnWhenItemsVanishWhileTheFolderIsRead)
+{
+    const CaptureSummary summary = capture({m_items, "/proc/self/fd"});
+
+    ASSERT_FALSE(summary.problems.isEmpty());
+    for (const EngineProblem& each : summary.problems)
+        EXPECT_TRUE(each.item.contains(QStringLiteral("/fd/"))) << qPrintable(each.item);
+    EXPECT_TRUE(restore({m_items + "/one"}).isEmpty());
+    EXPECT_EQ(platform::readFile(m_tree.bytes("back/one")).bytes, "1");
+}
+
+TEST_F(AnEngine, StopsAProgramThatSaysNothingWhenTheCallerWantsNoMore)
+{
+    const ScriptedProgram program(m_tree, "exec sleep 600\n");
+
+    EXPECT_EQ(
+        raisedBy([this] { m_engine->capture({m_items}, [](const EngineProgress&) { return Proceed::No; }); }).fault,
+        "stopped");
+}
+
+TEST_F(AnEngine, TellsThatSomebodyHasStoppedTheProgram)
+{
+    const ScriptedProgram program(m_tree, "kill -TERM $$\n");
+
+    EXPECT_EQ(raisedByCapturing().fault, "stopped");
 }
 
 TEST_F(AnEngine, StopsWhenTheCallerWantsNoMore)

@@ -163,6 +163,49 @@ TEST_F(ResticEngineRoundTrip, ListsItemsWithTheBytesOfTheirNames)
                               m_items + "/folder/\xC3\xBC\xF0\x9F\x8E\x89"}));
 }
 
+TEST_F(ResticEngineRoundTrip, ReadsNothingAgainThatHasNotChangedWhateverItsName)
+{
+    file("items/n\xff", "bytes");
+    m_tree.add("items/f\xfe/below/");
+    file("items/f\xfe/below/\x80", "more bytes");
+    file("items/plain", "text");
+    const QByteArrayList items{m_items + "/n\xff", m_items + "/f\xfe", m_items + "/plain"};
+    EXPECT_EQ(capture(items).filesNew, 3);
+    EXPECT_EQ(capture({m_items + "/n\xff"}).filesNew, 1) << "of other items, so there is none to compare with";
+    file("items/plain", "changed");
+
+    const CaptureSummary again = capture(items);
+
+    EXPECT_EQ(again.filesNew, 0);
+    EXPECT_EQ(again.filesChanged, 1);
+    EXPECT_EQ(again.filesUnmodified, 2);
+    EXPECT_TRUE(restore({m_items + "/f\xfe"}).isEmpty());
+    EXPECT_EQ(descriptionsOf(m_tree.bytes("back/f\xfe")), descriptionsOf(m_items + "/f\xfe"));
+}
+
+TEST_F(ResticEngineRoundTrip, BringsAccessListsBack)
+{
+    // A list of the version 2: owner rw-, user 4711 r--, group r--, mask r--, others ---. \source acl(5), xattr(7)
+    const QByteArray list = QByteArray::fromHex("02000000"
+                                                "01000600ffffffff"
+                                                "0200040067120000"
+                                                "04000400ffffffff"
+                                                "10000400ffffffff"
+                                                "20000000ffffffff");
+    file("items/listed", "1");
+    attribute("items/listed", "system.posix_acl_access", list);
+    file("items/read-only", "2");
+    attribute("items/read-only", "system.posix_acl_access", list);
+    ASSERT_EQ(::chmod(m_tree.path("items/read-only").c_str(), 0440), 0);
+    const auto before = descriptionsOf(m_items);
+    ASSERT_NE(before.at("/listed").find("system.posix_acl_access"), std::string::npos);
+    EXPECT_TRUE(capture({m_items}).problems.isEmpty());
+
+    EXPECT_TRUE(restore({m_items}).isEmpty());
+
+    EXPECT_EQ(descriptionsOf(m_tree.bytes("back/items")), before);
+}
+
 class ResticEngine : public ResticEngineRoundTrip
 {
 };
@@ -238,6 +281,20 @@ TEST_F(ResticEngine, RestoresAnItemInsideOfAnotherWithIt)
 
     EXPECT_EQ(descriptionsOf(m_tree.bytes("back")).size(), 3U);
     EXPECT_EQ(platform::readFile(m_tree.bytes("back/a/b")).bytes, "1");
+}
+
+TEST_F(ResticEngine, CapturesAnItemInsideOfAnotherOnce)
+{
+    m_tree.add("items/a/");
+    file("items/a/b", "1");
+    const auto before = descriptionsOf(m_items);
+
+    const CaptureSummary summary = capture({m_items + "/a/b", m_items, m_items + "/a", m_items});
+
+    EXPECT_EQ(summary.filesNew, 1);
+    EXPECT_TRUE(summary.problems.isEmpty());
+    EXPECT_TRUE(restore({m_items}).isEmpty());
+    EXPECT_EQ(descriptionsOf(m_tree.bytes("back/items")), before);
 }
 
 TEST_F(ResticEngine, OpensWithTheKeyThatACommandPrints)
