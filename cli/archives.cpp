@@ -29,10 +29,15 @@ QByteArray archivePath(const QByteArray& given)
 
 QString archiveFailureText(const HVException& exception)
 {
-    const QString words = exception.detail(detail_key::kErrDescription).toString().trimmed();
-    if (words.isEmpty() || exception.reason().contains(words))
-        return exception.reason();
-    return exception.reason() + QStringLiteral(" (") + QString(words).replace(u'\n', QStringLiteral("; ")) + u')';
+    return failureText(exception.reason(), exception.detail(detail_key::kErrDescription).toString());
+}
+
+QString failureText(const QString& reason, const QString& words)
+{
+    QString inLine = words.trimmed();
+    if (inLine.isEmpty() || reason.contains(inLine))
+        return reason;
+    return reason + QStringLiteral(" (") + inLine.replace(u'\n', QStringLiteral("; ")) + u')';
 }
 
 void guarded(Report& report, const QByteArray& archive, const std::function<void()>& work)

@@ -21,6 +21,11 @@ class Report;
 /// Threads: any thread.
 [[nodiscard]] QString archiveFailureText(const HVException& exception);
 
+/// The same of a failure that somebody else has been told of.
+///
+/// Threads: any thread.
+[[nodiscard]] QString failureText(const QString& reason, const QString& words);
+
 /// Does \p work, and tells \p report about \p archive when it raises.
 void guarded(Report& report, const QByteArray& archive, const std::function<void()>& work);
 

@@ -1,16 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "cli/scheduled_capture.h"
 
+#include "cli/archives.h"
 #include "cli/progress_bar.h"
 #include "cli/report.h"
+#include "components/scheduler_notices.h"
+#include "foundation/dispatch.h"
+#include "foundation/main_queue_wall.h"
+#include "foundation/notification_center.h"
 #include "foundation/thread_annotations.h"
 #include "messaging/published_connection.h"
 #include "messaging/scheduler_proxy.h"
+#include "messaging/shared_connections.h"
+#include "messaging/switchboard_connection.h"
 #include "platform/file_names.h"
 
-#include <QSet>
-#include <QThread>
-
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <optional>
 
@@ -19,21 +25,23 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr unsigned long kBetweenLooks = 100; // milliseconds
+constexpr const char* kActions = "queryActionsInfoWithReply:";
+constexpr const char* kRuns = "queryRunSummariesWithReply:";
+constexpr const char* kVolatileInfo = "queryVolatileInfoWithReply:";
 
-/// What the scheduler has answered. When an error ends the wait, an answer may still come later.
+/// What the scheduler has answered, by message. When an error ends the wait, an answer may still come later.
 class Answers
 {
 public:
-    void keep(const QString& what, const QVariant& answer)
+    void keep(const char* message, const QVariantList& values)
     {
         const MutexLock guard(m_lock);
-        m_answers.insert(what, answer);
+        m_answers.insert(QLatin1StringView(message), values.value(0));
     }
-    [[nodiscard]] QVariantMap all()
+    [[nodiscard]] QVariant to(const char* message)
     {
         const MutexLock guard(m_lock);
-        return m_answers;
+        return m_answers.value(QLatin1StringView(message));
     }
 
 private:
@@ -41,120 +49,173 @@ private:
     QVariantMap m_answers HAVREL_GUARDED_BY(m_lock);
 };
 
-/// What the scheduler was doing at one moment.
-struct Look
-{
-    QVariantList actions;
-    QVariantMap runs; // by the identifier of the action
-    QVariantMap volatileInfo;
-
-    [[nodiscard]] QSet<QString> identifiers() const
-    {
-        QSet<QString> all;
-        for (const QVariant& each : actions)
-            all.insert(each.toMap().value(u"id"_s).toString());
-        for (auto each = runs.keyBegin(); each != runs.keyEnd(); ++each)
-            all.insert(*each);
-        return all;
-    }
-};
-
-class ScheduledCapture
+/// One request, from asking for it to its end. Waits for what the scheduler tells by notifications; whenever one may
+/// have been missed, because a connection was lost, it looks itself.
+///
+/// Threads: the main thread only.
+class ScheduledCapture : public std::enable_shared_from_this<ScheduledCapture>
 {
 public:
-    ScheduledCapture(const QByteArray& archive, const QByteArrayList& items)
+    ScheduledCapture(const QByteArray& archive, const QByteArrayList& items, Report& report)
         : m_archive(archive)
         , m_items(items)
+        , m_report(report)
     {
     }
 
-    void run(Report& report)
+    void run()
     {
-        const std::optional<Look> before = look();
-        if (!before)
-            return report.failure("scheduler", u"it cannot be reached"_s);
-        const auto ask = [this](const XPCProxyPtr& proxy) { SchedulerProxy(proxy).quickCapture(m_items, m_archive); };
-        if (!m_scheduler->performSynchronousBlock(ask))
-            return report.failure("scheduler", u"it has ended; whether it goes on when it is back is not known"_s);
-        wait(before->identifiers(), report);
+        listen();
+        ask();
+        look(); // it may have been quick
+        if (!m_isOver)
+            QCoreApplication::exec();
     }
 
 private:
-    /// Actions first: one that ends between the two questions is then in both answers.
-    std::optional<Look> look()
+    using Handler = void (ScheduledCapture::*)(const QVariantMap& info);
+
+    void listen()
+    {
+        observe(scheduler_notices::kEnded, &ScheduledCapture::ended);
+        observe(scheduler_notices::kProgressed, &ScheduledCapture::progressed);
+        m_losses = NotificationCenter::defaultCenter().addObserver(
+            connection_notification::kWasDisconnected, {}, {}, [this](const Notification&) { lost(); });
+    }
+    /// Notifications come on another thread, and may still come when all is over.
+    void observe(QLatin1StringView notice, Handler handler)
+    {
+        const auto handle = [weak = weak_from_this(), handler](const std::optional<QString>&, const QVariantMap& info) {
+            onMainQueue([weak, handler, info] {
+                if (const auto live = weak.lock())
+                    live->take(handler, info);
+            });
+        };
+        m_switchboard->addObserver(notice.toString(), notice, scheduler_notices::kSource.toString(), handle);
+    }
+    void take(Handler handler, const QVariantMap& info)
+    {
+        if (!m_isOver && info.value(scheduler_notices::kID) == m_id)
+            (this->*handler)(info);
+    }
+
+    void ended(const QVariantMap& /*info*/) { look(); }
+    void progressed(const QVariantMap& info)
+    {
+        m_bar.update(info.value(u"fraction"_s).toDouble(), info.value(u"filesDone"_s).toLongLong());
+    }
+    /// The switchboard has forgotten who observes: a new connection tells it.
+    void lost()
+    {
+        if (m_isOver)
+            return;
+        if (m_switchboard->serviceProxy())
+            look();
+        else
+            fail("switchboard", u"it has ended; the scheduler goes on"_s);
+    }
+
+    void ask()
     {
         const auto answers = std::make_shared<Answers>();
-        const auto ask = [&answers](const XPCProxyPtr& proxy) {
-            for (const char* each :
-                 {"queryActionsInfoWithReply:", "queryRunSummariesWithReply:", "queryVolatileInfoWithReply:"})
-                proxy->send(each, {}, [answers, each](const QVariantList& values) {
-                    answers->keep(QLatin1StringView(each), values.value(0));
-                });
-        };
-        if (!m_scheduler->performSynchronousBlock(ask))
-            return std::nullopt;
-        const QVariantMap all = answers->all();
-        return Look{.actions = all.value(u"queryActionsInfoWithReply:"_s).toList(),
-                    .runs = all.value(u"queryRunSummariesWithReply:"_s).toMap(),
-                    .volatileInfo = all.value(u"queryVolatileInfoWithReply:"_s).toMap()};
+        const SyncOutcome outcome = m_scheduler->performSynchronousBlock([&](const XPCProxyPtr& proxy) {
+            SchedulerProxy(proxy).quickCapture(m_items, m_archive);
+            query(proxy, kVolatileInfo, answers);
+        });
+        const QVariant asked = answers->to(kVolatileInfo).toMap().value(u"asked"_s);
+        m_id = asked.toString();
+        if (!outcome)
+            fail("scheduler",
+                 outcome.error ? u"it has ended; whether it goes on when it is back is not known"_s
+                               : u"it cannot be reached"_s);
+        else if (!asked.isValid())
+            fail("scheduler", u"it does not tell what becomes of the request"_s);
+        else if (m_id.isEmpty())
+            fail(m_archive, u"the scheduler has refused it"_s);
     }
 
-    [[nodiscard]] bool isOurs(const QVariantMap& action) const
+    void look()
     {
-        return action.value(u"archive"_s) == m_archive &&
-               action.value(u"items"_s).toList() == QVariantList(m_items.cbegin(), m_items.cend());
-    }
-
-    /// The request has no answer: it is the one that is new and asks for the same.
-    [[nodiscard]] QString findIdentifier(const Look& look, const QSet<QString>& before) const
-    {
-        for (const QVariant& each : look.actions + QVariantList(look.runs.cbegin(), look.runs.cend()))
-            if (const QString id = each.toMap().value(u"id"_s).toString(); !before.contains(id) && isOurs(each.toMap()))
-                return id;
-        return {};
-    }
-
-    void wait(const QSet<QString>& before, Report& report)
-    {
-        ProgressBar bar;
-        QString id;
-        while (const std::optional<Look> now = look()) {
-            if (id.isNull())
-                id = findIdentifier(*now, before);
-            if (id.isNull())
-                return report.failure(m_archive, u"the scheduler has refused it"_s);
-            if (now->runs.contains(id)) {
-                bar.hide();
-                return tell(now->runs.value(id).toMap(), report);
-            }
-            const QVariantMap& info = now->volatileInfo;
-            if (info.value(u"running"_s).toMap().value(u"id"_s) == id)
-                bar.update(info.value(u"fraction"_s).toDouble(), info.value(u"filesDone"_s).toLongLong());
-            QThread::msleep(kBetweenLooks);
+        if (m_isOver)
+            return;
+        const auto answers = std::make_shared<Answers>();
+        if (!inquire(answers)) {
+            m_scheduler->disconnect(); // it may just have died: the next one knows of it, too
+            if (!inquire(answers))
+                return fail("scheduler", u"it has ended, and goes on when it is back"_s);
         }
-        bar.hide();
-        report.failure("scheduler", u"it has ended, and goes on when it is back"_s);
+        const QVariantMap runs = answers->to(kRuns).toMap();
+        if (runs.contains(m_id))
+            tell(runs.value(m_id).toMap());
+        else if (!isAmong(answers->to(kActions).toList()))
+            fail("scheduler", u"it does not know of the capture any more"_s);
+    }
+    /// Actions first: one that ends between the two questions is then in both answers.
+    [[nodiscard]] bool inquire(const std::shared_ptr<Answers>& answers)
+    {
+        return m_scheduler
+            ->performSynchronousBlock([&answers](const XPCProxyPtr& proxy) {
+                query(proxy, kActions, answers);
+                query(proxy, kRuns, answers);
+            })
+            .succeeded;
+    }
+    static void query(const XPCProxyPtr& proxy, const char* message, const std::shared_ptr<Answers>& answers)
+    {
+        proxy->send(message, {}, [answers, message](const QVariantList& values) { answers->keep(message, values); });
+    }
+    [[nodiscard]] bool isAmong(const QVariantList& actions) const
+    {
+        return std::any_of(actions.begin(), actions.end(), [this](const QVariant& each) {
+            return each.toMap().value(u"id"_s) == m_id;
+        });
     }
 
-    void tell(const QVariantMap& run, Report& report) const
+    void tell(const QVariantMap& run)
     {
+        end();
         if (const QString reason = run.value(u"reason"_s).toString(); !reason.isEmpty())
-            report.failure(m_archive, reason);
-        for (const QVariant& each : run.value(u"problems"_s).toList())
-            report.failure(platform::bytesOfFileName(each.toMap().value(u"item"_s).toString()),
-                           each.toMap().value(u"reason"_s).toString());
+            m_report.failure(m_archive, failureText(reason, run.value(u"words"_s).toString()));
+        const QVariantList problems = run.value(u"problems"_s).toList();
+        for (const QVariant& each : problems)
+            m_report.failure(platform::bytesOfFileName(each.toMap().value(u"item"_s).toString()),
+                             each.toMap().value(u"reason"_s).toString());
+        if (const qint64 rest = run.value(u"problemCount"_s).toLongLong() - problems.size(); rest > 0)
+            m_report.failure(m_archive, u"%1 more items could not be captured"_s.arg(rest));
+    }
+    void fail(const QByteArray& what, const QString& why)
+    {
+        end();
+        m_report.failure(what, why);
+    }
+    void end()
+    {
+        m_isOver = true;
+        m_bar.hide();
+        QCoreApplication::quit();
     }
 
     const QByteArray m_archive;
     const QByteArrayList m_items;
+    Report& m_report;
+    ProgressBar m_bar;
+    const std::shared_ptr<HVSwitchboardConnection> m_switchboard = HVConnection::switchboardConnection();
     const std::shared_ptr<HVPublishedConnection> m_scheduler = HVConnection::schedulerConnection();
+    NotificationRegistration m_losses;
+    QString m_id;
+    bool m_isOver = false;
 };
 
 } // namespace
 
 void captureByScheduler(const QByteArray& archive, const QByteArrayList& items, Report& report)
 {
-    ScheduledCapture(archive, items).run(report);
+    int count = 1;
+    QByteArray name("havrel");
+    std::array<char*, 2> arguments{name.data(), nullptr};
+    const CoreApplication application(count, arguments.data());
+    std::make_shared<ScheduledCapture>(archive, items, report)->run();
+    SharedConnections::all().forget();
 }
 
 } // namespace havrel::cli

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "components/capture_schedule.h"
 
+#include "components/engine_fault.h"
+#include "components/scheduler_notices.h"
 #include "diagnostics/exception.h"
 #include "diagnostics/logr.h"
 #include "foundation/clock.h"
@@ -20,7 +22,8 @@ using platform::Proceed;
 
 constexpr int kMostRuns = 100;
 constexpr int kMostAttempts = 3;
-constexpr double kLongestWait = 60; // seconds: the system's clock may be set meanwhile
+constexpr qsizetype kLongestWords = 2000;           // characters of what the engine says that are kept
+constexpr double kLongestWait = 365.25 * 24 * 3600; // seconds; more than the clock's range is no time to wait for
 
 const QString kActions = u"actions"_s;
 const QString kRuns = u"runs"_s;
@@ -39,17 +42,34 @@ Iterator withIdentifier(Iterator begin, Iterator end, const QString& id)
     return std::find_if(begin, end, [&id](const ScheduledAction& each) { return each.id == id; });
 }
 
-void takeFailure(RunSummary& run, const QString& reason, const QString& fault)
+void takeFailure(RunSummary& run, const QString& reason)
 {
     run.reason = reason.isNull() ? u"for an unknown reason"_s : reason;
-    run.fault = fault.isNull() ? u""_s : fault;
+    run.fault = u""_s;
+}
+
+void takeFailure(RunSummary& run, const HVException& exception)
+{
+    takeFailure(run, exception.reason());
+    run.fault += exception.detail(QLatin1StringView("Fault")).toString();
+    run.words = exception.detail(detail_key::kErrDescription).toString().right(kLongestWords);
+}
+
+QVariantMap described(const EngineProgress& progress)
+{
+    return {{u"fraction"_s, progress.fraction},
+            {u"files"_s, progress.files},
+            {u"filesDone"_s, progress.filesDone},
+            {u"bytes"_s, progress.bytes},
+            {u"bytesDone"_s, progress.bytesDone}};
 }
 
 } // namespace
 
-CaptureSchedule::CaptureSchedule(const QByteArray& stateFile, Runner runner)
+CaptureSchedule::CaptureSchedule(const QByteArray& stateFile, Runner runner, Listener listener)
     : m_file(stateFile)
     , m_runner(std::move(runner))
+    , m_listener(std::move(listener))
 {
     {
         const MutexLock guard(m_lock);
@@ -60,9 +80,17 @@ CaptureSchedule::CaptureSchedule(const QByteArray& stateFile, Runner runner)
 
 CaptureSchedule::~CaptureSchedule()
 {
-    const MutexLock guard(m_lock);
-    m_stops = true;
-    m_change.notifyAll();
+    stop();
+}
+
+void CaptureSchedule::stop()
+{
+    {
+        const MutexLock guard(m_lock);
+        m_stops = true;
+        m_change.notifyAll();
+    }
+    m_queue.barrier();
 }
 
 // ---- what is kept
@@ -105,11 +133,13 @@ void CaptureSchedule::record(const RunSummary& run)
 
 // ---- what it is told
 
-void CaptureSchedule::add(const QByteArray& archive, const QByteArrayList& items)
+QString CaptureSchedule::add(const QByteArray& archive, const QByteArrayList& items)
 {
     const MutexLock guard(m_lock);
-    m_actions.append({.id = QString::number(++m_lastNumber), .archive = archive, .items = items, .time = time()});
+    const QString id = QString::number(++m_lastNumber);
+    m_actions.append({.id = id, .archive = archive, .items = items, .time = time()});
     changed();
+    return id;
 }
 
 void CaptureSchedule::setTime(const QString& id, double time)
@@ -145,12 +175,6 @@ void CaptureSchedule::setClockAhead(double seconds)
 {
     const MutexLock guard(m_lock);
     m_clockAhead = finite(seconds);
-    m_change.notifyAll();
-}
-
-void CaptureSchedule::clockChanged()
-{
-    const MutexLock guard(m_lock);
     m_change.notifyAll();
 }
 
@@ -192,7 +216,7 @@ void CaptureSchedule::waitForChange()
         return m_change.wait(m_lock);
     const std::chrono::duration<double> wait(std::clamp(dueTimeOf(*first) - time(), 0.0, kLongestWait));
     (void)m_change.waitUntil(m_lock,
-                             std::chrono::steady_clock::now() + std::chrono::ceil<std::chrono::milliseconds>(wait));
+                             std::chrono::system_clock::now() + std::chrono::ceil<std::chrono::milliseconds>(wait));
 }
 
 // ---- the work
@@ -227,41 +251,69 @@ RunSummary CaptureSchedule::run(const ScheduledAction& action)
 {
     RunSummary result{.action = action};
     try {
-        result.summary =
-            m_runner(action.archive, action.items, [this](const EngineProgress& progress) { return took(progress); });
+        result.summary = m_runner(action.archive, action.items, [this, &action](const EngineProgress& progress) {
+            return took(action.id, progress);
+        });
     } catch (const HVException& exception) {
-        takeFailure(result, exception.reason(), exception.detail(QLatin1StringView("Fault")).toString());
+        takeFailure(result, exception);
     } catch (const std::exception& exception) {
-        takeFailure(result, QString::fromLocal8Bit(exception.what()), {});
+        takeFailure(result, QString::fromLocal8Bit(exception.what()));
     }
     return result;
 }
 
-Proceed CaptureSchedule::took(const EngineProgress& progress)
+Proceed CaptureSchedule::took(const QString& id, const EngineProgress& progress)
 {
-    const MutexLock guard(m_lock);
-    m_progress = progress;
-    return m_stops ? Proceed::No : Proceed::Yes;
+    {
+        const MutexLock guard(m_lock);
+        if (m_stops)
+            return Proceed::No;
+        if (std::exchange(m_progress, progress) == progress)
+            return Proceed::Yes;
+    }
+    QVariantMap info = described(progress);
+    info.insert(scheduler_notices::kID, id);
+    tell(scheduler_notices::kProgressed, info);
+    return Proceed::Yes;
+}
+
+void CaptureSchedule::tell(QLatin1StringView notice, const QVariantMap& info) const
+{
+    if (m_listener)
+        m_listener(notice, info);
+}
+
+/// Whether it is not the action's own end: this process ends, or somebody has made the engine stop, as the system does
+/// when it ends the session. Then it is not to blame, but is not made again and again either.
+bool CaptureSchedule::isToBeMadeAgain(const RunSummary& run, ScheduledAction& action) const
+{
+    if (run.reason.isNull())
+        return false;
+    if (m_stops) {
+        --action.attempts;
+        return true;
+    }
+    return run.fault == wordOf(EngineFault::Stopped) && action.attempts < kMostAttempts;
 }
 
 void CaptureSchedule::finish(const RunSummary& run)
 {
-    const MutexLock guard(m_lock);
-    m_running = QString();
-    const auto action = find(run.action.id);
-    const bool wasStopped = m_stops && !run.reason.isNull();
-    if (wasStopped) {
-        --action->attempts; // it is not to blame
-    } else {
+    {
+        const MutexLock guard(m_lock);
+        m_running = QString();
+        const auto action = find(run.action.id);
+        if (isToBeMadeAgain(run, *action))
+            return changed();
         RunSummary ended = run;
         ended.started = m_started;
         ended.ended = time();
         record(ended);
         m_actions.erase(action);
-        if (!run.reason.isNull())
-            Logr::log(LogClassification::Failure, QStringLiteral("capture failed: %1").arg(run.reason));
+        changed();
     }
-    changed();
+    if (!run.reason.isNull())
+        Logr::log(LogClassification::Failure, QStringLiteral("capture failed: %1").arg(run.reason));
+    tell(scheduler_notices::kEnded, {{scheduler_notices::kID, run.action.id}});
 }
 
 // ---- what it tells
@@ -273,13 +325,8 @@ QVariantMap CaptureSchedule::volatileInfo() const
     const auto running = withIdentifier(m_actions.begin(), m_actions.end(), m_running);
     if (running == m_actions.end())
         return info;
-    info.insert({{u"running"_s, running->asDictionary()},
-                 {u"started"_s, m_started},
-                 {u"fraction"_s, m_progress.fraction},
-                 {u"files"_s, m_progress.files},
-                 {u"filesDone"_s, m_progress.filesDone},
-                 {u"bytes"_s, m_progress.bytes},
-                 {u"bytesDone"_s, m_progress.bytesDone}});
+    info.insert(described(m_progress));
+    info.insert({{u"running"_s, running->asDictionary()}, {u"started"_s, m_started}});
     return info;
 }
 

@@ -9,12 +9,15 @@
 #include <QVariantList>
 
 #include <functional>
+#include <optional>
 
 namespace havrel {
 
 /// Captures that are to be made, one after the other, and what became of the latest hundred. It is kept at every
-/// change: what was not finished when the process ended, however it ended, is made when the next one starts; what has
-/// ended the process three times is given up.
+/// change: what was not finished when the process ended, however it ended, is made when the next one starts; so is at
+/// once what ended because its engine was made to stop. What has begun three times is given up.
+///
+/// While nothing is to be done it waits without waking; for an action with a time, until that time.
 ///
 /// Times are in seconds since the reference date (foundation/reference_date.h).
 ///
@@ -25,18 +28,24 @@ public:
     /// Makes a capture; raises an exception that says why not. Gives up, raising one too, when the block says so.
     using Runner = std::function<CaptureSummary(
         const QByteArray& archive, const QByteArrayList& items, const EngineProgressBlock& progress)>;
+    /// Is told what happens to an action (scheduler_notices.h), on the schedule's thread, which it must not hold up.
+    using Listener = std::function<void(QLatin1StringView notice, const QVariantMap& info)>;
 
-    /// Begins with what was kept.
-    CaptureSchedule(const QByteArray& stateFile, Runner runner);
-    /// Stops the capture that is under way, and waits for that; it is made again by the next process.
+    /// Begins with what was kept. \param listener empty: nobody
+    CaptureSchedule(const QByteArray& stateFile, Runner runner, Listener listener = {});
+    /// As stop().
     ~CaptureSchedule();
     CaptureSchedule(const CaptureSchedule&) = delete;
     CaptureSchedule& operator=(const CaptureSchedule&) = delete;
     CaptureSchedule(CaptureSchedule&&) = delete;
     CaptureSchedule& operator=(CaptureSchedule&&) = delete;
 
-    /// As soon as nothing else is under way.
-    void add(const QByteArray& archive, const QByteArrayList& items);
+    /// Stops the capture that is under way, and waits for that; it is made again by the next process. Nothing begins
+    /// any more.
+    void stop();
+
+    /// As soon as nothing else is under way. \return the id of the action
+    QString add(const QByteArray& archive, const QByteArrayList& items);
     /// Of an action that has not begun; nothing happens for others.
     void setTime(const QString& id, double time);
     void setSuspended(const QString& id, bool suspended);
@@ -46,8 +55,6 @@ public:
     /// Goes by a clock that is \p seconds ahead of the system's (behind it when negative), until it is told otherwise
     /// or the process ends: to try what happens at other times.
     void setClockAhead(double seconds);
-    /// The system's clock was set.
-    void clockChanged();
 
     /// "queued" (integer: actions, the running one included), "holdTime" (double), "clockAhead" (double), and while a
     /// capture is under way "running" (its action), "started" (double), "fraction" (double, 0 to 1), "files",
@@ -74,12 +81,15 @@ private:
     void work();
     [[nodiscard]] std::optional<ScheduledAction> begin();
     [[nodiscard]] RunSummary run(const ScheduledAction& action);
-    [[nodiscard]] platform::Proceed took(const EngineProgress& progress);
+    [[nodiscard]] platform::Proceed took(const QString& id, const EngineProgress& progress);
     void finish(const RunSummary& run);
+    [[nodiscard]] bool isToBeMadeAgain(const RunSummary& run, ScheduledAction& action) const HAVREL_REQUIRES(m_lock);
+    void tell(QLatin1StringView notice, const QVariantMap& info) const;
     void record(const RunSummary& run) HAVREL_REQUIRES(m_lock);
 
     const KeptDictionary m_file;
     const Runner m_runner;
+    const Listener m_listener;
     mutable Mutex m_lock;
     ConditionVariable m_change;
     bool m_stops HAVREL_GUARDED_BY(m_lock) = false;

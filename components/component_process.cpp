@@ -6,6 +6,7 @@
 #include "components/monitor.h"
 #include "components/published_component.h"
 #include "components/scheduler.h"
+#include "components/scheduler_notices.h"
 #include "components/state_folder.h"
 #include "diagnostics/logr.h"
 #include "foundation/dispatch.h"
@@ -45,20 +46,26 @@ const char* nameOf(ComponentKind kind)
     return "scheduler";
 }
 
-std::unique_ptr<PublishedComponent> published(ComponentKind kind)
+PublicationSettings settingsOf(ComponentKind kind)
 {
-    const bool isMonitor = kind == ComponentKind::Monitor;
     const QString identifier = QStringLiteral("com.havrel.") + QLatin1StringView(nameOf(kind));
-    std::shared_ptr<Component> component;
-    if (isMonitor)
-        component = std::make_shared<Monitor>(stateFolder(), ArchiveRegistry());
-    else
-        component = std::make_shared<Scheduler>(stateFolder(), captureToArchive);
-    return std::make_unique<PublishedComponent>(
-        std::move(component),
-        PublicationSettings{.identifier = identifier,
-                            .serviceName = starterOf(identifier),
-                            .protocol = isMonitor ? protocols::monitoring() : protocols::scheduling()});
+    return {.identifier = identifier,
+            .serviceName = starterOf(identifier),
+            .protocol = kind == ComponentKind::Monitor ? protocols::monitoring() : protocols::scheduling()};
+}
+
+PublishedComponent::Maker makerOfMonitor()
+{
+    return [monitor = std::make_shared<Monitor>(stateFolder(), ArchiveRegistry())] { return monitor; };
+}
+
+std::shared_ptr<Scheduler> newScheduler()
+{
+    const auto notices = std::make_shared<SchedulerNotices>();
+    return std::make_shared<Scheduler>(
+        stateFolder(), captureToArchive, [notices](QLatin1StringView notice, const QVariantMap& info) {
+            notices->post(notice, info);
+        });
 }
 
 int told(const char* program, const QString& what, int status)
@@ -91,7 +98,10 @@ ComponentProcess::ComponentProcess() = default;
 
 ComponentProcess::~ComponentProcess()
 {
+    if (m_scheduler)
+        m_scheduler->schedule().stop(); // before another process can take the name, and the schedule with it
     m_published.clear();
+    m_scheduler.reset();
     SharedConnections::all().forget();
     m_switchboard.reset();
 }
@@ -100,7 +110,19 @@ int ComponentProcess::start(ComponentKind kind)
 {
     if (kind == ComponentKind::Switchboard)
         return startSwitchboard();
-    m_published.push_back(published(kind));
+    return publish(kind);
+}
+
+int ComponentProcess::publish(ComponentKind kind)
+{
+    PublishedComponent::Maker maker;
+    if (kind == ComponentKind::Monitor) {
+        maker = makerOfMonitor();
+    } else {
+        m_scheduler = newScheduler();
+        maker = [scheduler = m_scheduler] { return std::make_shared<SchedulerClient>(scheduler); };
+    }
+    m_published.push_back(std::make_unique<PublishedComponent>(std::move(maker), settingsOf(kind)));
     return m_published.back()->start();
 }
 

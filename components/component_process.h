@@ -11,6 +11,7 @@
 namespace havrel {
 
 class PublishedComponent;
+class Scheduler;
 
 /// The components of the product that this program knows.
 enum class ComponentKind { Switchboard, Monitor, Scheduler };
@@ -35,8 +36,10 @@ public:
 
 private:
     [[nodiscard]] int startSwitchboard();
+    [[nodiscard]] int publish(ComponentKind kind);
 
     std::unique_ptr<Switchboard> m_switchboard;
+    std::shared_ptr<Scheduler> m_scheduler; // connections may outlive it, its captures do not
     std::vector<std::unique_ptr<PublishedComponent>> m_published;
 };
 

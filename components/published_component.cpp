@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "components/published_component.h"
 
-#include "components/component.h"
 #include "foundation/dispatch.h"
 #include "foundation/thread_annotations.h"
 #include "messaging/switchboard_connection.h"
@@ -18,13 +17,13 @@ bool isOurs(const XPCConnection& connection)
     return connection.effectiveUserIdentifier() == platform::identity().effectiveUser();
 }
 
-XPCListener::Acceptor accepting(const std::shared_ptr<Component>& component, const Protocol& protocol)
+XPCListener::Acceptor accepting(PublishedComponent::Maker maker, const Protocol& protocol)
 {
-    return [component, &protocol](const XPCConnectionPtr& connection) {
+    return [maker = std::move(maker), &protocol](const XPCConnectionPtr& connection) {
         if (!isOurs(*connection))
             return false;
         connection->setExportedInterface(std::make_shared<const XPCInterface>(protocol));
-        connection->setExportedObject(component);
+        connection->setExportedObject(maker());
         return true;
     };
 }
@@ -77,12 +76,12 @@ private:
     std::weak_ptr<XPCProxy> m_publishedAt HAVREL_GUARDED_BY(m_lock);
 };
 
-PublishedComponent::PublishedComponent(std::shared_ptr<Component> component, const PublicationSettings& settings)
+PublishedComponent::PublishedComponent(Maker maker, const PublicationSettings& settings)
     : m_endpoint(XPCTransport::shared().anonymousListener())
     , m_service(XPCTransport::shared().listenerForService(settings.serviceName, xpc_options::kNone))
     , m_publication(std::make_shared<Publication>(settings.identifier))
 {
-    const XPCListener::Acceptor accept = accepting(component, settings.protocol);
+    const XPCListener::Acceptor accept = accepting(std::move(maker), settings.protocol);
     m_endpoint->setAcceptor(accept);
     m_service->setAcceptor([accept, publication = m_publication](const XPCConnectionPtr& connection) {
         if (isOurs(*connection))

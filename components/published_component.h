@@ -6,11 +6,11 @@
 
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 namespace havrel {
 
-class Component;
 class Protocol;
 
 /// Under which names a component is found.
@@ -29,7 +29,10 @@ struct PublicationSettings
 class PublishedComponent
 {
 public:
-    PublishedComponent(std::shared_ptr<Component> component, const PublicationSettings& settings);
+    /// Makes what a new connection is shown, which the connection then keeps. Called on listeners' own queues.
+    using Maker = std::function<std::shared_ptr<XPCExportedObject>()>;
+
+    PublishedComponent(Maker maker, const PublicationSettings& settings);
     /// Connections that it has accepted end with their other ends.
     ~PublishedComponent();
     PublishedComponent(const PublishedComponent&) = delete;

@@ -1,9 +1,26 @@
 // SPDX-License-Identifier: MIT
 #include "components/scheduled_action.h"
 
+#include <algorithm>
+
 namespace havrel {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype kMostProblems = 1000;
+
+QVariantList described(const QList<EngineProblem>& problems)
+{
+    QVariantList all;
+    std::for_each_n(problems.begin(), std::min(problems.size(), kMostProblems), [&all](const EngineProblem& each) {
+        all.append(QVariantMap{{u"item"_s, each.item}, {u"reason"_s, each.reason}});
+    });
+    return all;
+}
+
+} // namespace
 
 QVariantMap ScheduledAction::asDictionary() const
 {
@@ -39,19 +56,19 @@ QVariantMap RunSummary::asDictionary() const
     result.insert({{u"started"_s, started}, {u"ended"_s, ended}});
     if (!reason.isNull()) {
         result.insert({{u"outcome"_s, u"failed"_s}, {u"reason"_s, reason}, {u"fault"_s, fault}});
+        if (!words.isEmpty())
+            result.insert(u"words"_s, words);
         return result;
     }
-    QVariantList problems;
-    for (const EngineProblem& each : summary.problems)
-        problems.append(QVariantMap{{u"item"_s, each.item}, {u"reason"_s, each.reason}});
-    result.insert({{u"outcome"_s, problems.isEmpty() ? u"done"_s : u"problems"_s},
+    result.insert({{u"outcome"_s, summary.problems.isEmpty() ? u"done"_s : u"problems"_s},
                    {u"capture"_s, summary.capture},
                    {u"filesNew"_s, summary.filesNew},
                    {u"filesChanged"_s, summary.filesChanged},
                    {u"filesUnmodified"_s, summary.filesUnmodified},
                    {u"bytesProcessed"_s, summary.bytesProcessed},
                    {u"bytesAdded"_s, summary.bytesAdded},
-                   {u"problems"_s, problems}});
+                   {u"problemCount"_s, qint64{summary.problems.size()}},
+                   {u"problems"_s, described(summary.problems)}});
     return result;
 }
 

@@ -43,9 +43,10 @@ struct ScheduledAction
 
 /// What became of an action. As a dictionary: "id", "kind", "archive", "items" as of the action, "started" and "ended"
 /// (doubles, as "time"), "outcome" ("done", "problems": some items were left out, or "failed"), and where they
-/// apply "reason" (string), "fault" (string, a word of EngineFault), "capture" (its name in the archive), "filesNew",
-/// "filesChanged", "filesUnmodified", "bytesProcessed", "bytesAdded" (integers) and "problems", a list of dictionaries
-/// with "item" and "reason".
+/// apply "reason" (string), "fault" (string, a word of EngineFault), "words" (string, what the engine says itself, as
+/// far as it says anything), "capture" (its name in the archive), "filesNew", "filesChanged", "filesUnmodified",
+/// "bytesProcessed", "bytesAdded" (integers), "problemCount" (integer) and "problems", a list of dictionaries with
+/// "item" and "reason": of the first thousand, so that the log stays small.
 ///
 /// Threads: const members any thread, others one at a time.
 struct RunSummary
@@ -55,6 +56,7 @@ struct RunSummary
     double ended = 0;
     QString reason{}; ///< why it failed; null when it did not
     QString fault{};
+    QString words{};
     CaptureSummary summary{};
 
     [[nodiscard]] QVariantMap asDictionary() const;

@@ -12,6 +12,9 @@
 namespace havrel {
 namespace {
 
+constexpr const char* kQuickCapture = "quickCapture:toRepository:";
+constexpr const char* kVolatileInfo = "queryVolatileInfoWithReply:";
+
 QString actionIdentifier(const QVariant& action)
 {
     const QVariantMap dictionary = action.toMap();
@@ -20,9 +23,9 @@ QString actionIdentifier(const QVariant& action)
 
 } // namespace
 
-Scheduler::Scheduler(const QByteArray& folder, CaptureSchedule::Runner runner)
+Scheduler::Scheduler(const QByteArray& folder, CaptureSchedule::Runner runner, CaptureSchedule::Listener listener)
     : PreferencingComponent(folder + "/scheduler-preferences.plist")
-    , m_schedule(folder + "/schedule.plist", std::move(runner))
+    , m_schedule(folder + "/schedule.plist", std::move(runner), std::move(listener))
 {
     handleQueries();
     handleChanges();
@@ -31,7 +34,7 @@ Scheduler::Scheduler(const QByteArray& folder, CaptureSchedule::Runner runner)
 
 void Scheduler::handleQueries()
 {
-    on("queryVolatileInfoWithReply:", [this](const XPCMessage& each) { each.reply({m_schedule.volatileInfo()}); });
+    on(kVolatileInfo, [this](const XPCMessage& each) { each.reply({m_schedule.volatileInfo()}); });
     on("queryRunSummariesWithReply:", [this](const XPCMessage& each) { each.reply({m_schedule.runSummaries()}); });
     on("queryNextScheduledActionInfoWithReply:",
        [this](const XPCMessage& each) { each.reply({QVariant(m_schedule.nextAction())}); });
@@ -50,11 +53,11 @@ void Scheduler::handleChanges()
     on("setAction:suspended:", [this](const XPCMessage& each) {
         m_schedule.setSuspended(actionIdentifier(each.values[0]), each.values[1].toBool());
     });
-    on("quickCapture:toRepository:", [this](const XPCMessage& each) { capture(each.values); });
+    on(kQuickCapture, [this](const XPCMessage& each) { (void)capture(each.values); });
 }
 
 /// Paths are absolute: the working folder of whoever asks is not known.
-void Scheduler::capture(const QVariantList& values)
+QString Scheduler::capture(const QVariantList& values)
 {
     const QByteArray archive = values[1].toByteArray();
     QByteArrayList items;
@@ -62,9 +65,27 @@ void Scheduler::capture(const QVariantList& values)
         if (const QByteArray path = each.toByteArray(); path.startsWith('/') && !path.contains('\0'))
             items.append(plainPath(path, "/"));
     if (items.size() == values[0].toList().size() && !items.isEmpty() && archive.startsWith('/'))
-        m_schedule.add(archive, items);
-    else
-        Logr::log(LogClassification::Warning, QStringLiteral("a capture without items, or of paths that are none"));
+        return m_schedule.add(archive, items);
+    Logr::log(LogClassification::Warning, QStringLiteral("a capture without items, or of paths that are none"));
+    return QStringLiteral("");
+}
+
+SchedulerClient::SchedulerClient(std::shared_ptr<Scheduler> scheduler)
+    : m_scheduler(std::move(scheduler))
+{
+}
+
+void SchedulerClient::received(const XPCMessage& message)
+{
+    if (message.keywordName == kQuickCapture) {
+        m_asked = m_scheduler->capture(message.values);
+    } else if (message.keywordName == kVolatileInfo) {
+        QVariantMap info = m_scheduler->schedule().volatileInfo();
+        info.insert(QStringLiteral("asked"), m_asked);
+        message.reply({info});
+    } else {
+        m_scheduler->received(message);
+    }
 }
 
 CaptureSummary
@@ -72,7 +93,11 @@ captureToArchive(const QByteArray& archive, const QByteArrayList& items, const E
 {
     const ArchiveFile file = ArchiveFile::readFrom(archive);
     const CaptureSummary summary = engineOf(file)->capture(items, progress);
-    ArchiveRegistry().noteCapture(file, archive, items, now());
+    try {
+        ArchiveRegistry().noteCapture(file, archive, items, now());
+    } catch (const HVException& exception) {
+        Logr::logException(LogClassification::Warning, exception);
+    }
     return summary;
 }
 

@@ -117,6 +117,25 @@ TEST_F(Archive, TakesItsKeyFromACommand)
               1);
 }
 
+TEST_F(Archive, SaysThatItsEngineIsNotInstalled)
+{
+    create();
+    const EnvironmentValue path("PATH", m_tree.bytes("items"));
+    const char* const reason = ": the program that keeps the archive is not installed (restic: not found in PATH)\n";
+
+    const RunResult made = archive({"create", "Other.zephra", "--repository", "other"});
+    EXPECT_EQ(made.status, 1);
+    EXPECT_EQ(made.errors, QByteArray("havrel: Other.zephra") + reason);
+    EXPECT_FALSE(platform::itemExists(m_tree.bytes("Other.zephra")));
+    for (const QByteArrayList& each : {QByteArrayList{"info"},
+                                       QByteArrayList{"items"},
+                                       QByteArrayList{"restore", "--into", "back", "--", "Home.zephra", "items/one"}}) {
+        const RunResult result = archive(each.size() > 1 ? each : each + QByteArrayList{"Home.zephra"});
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.errors, QByteArray("havrel: Home.zephra") + reason) << each.constFirst().constData();
+    }
+}
+
 struct UsageRow
 {
     QByteArrayList arguments;
@@ -218,6 +237,17 @@ TEST_F(Archive, BringsItemsBackFromTheNewestCapturesThatHoldThem)
     const RunResult again = archive({"restore", "Home.zephra", m_items, "--into", "first", "--capture", first});
     EXPECT_EQ(again.status, 1);
     EXPECT_EQ(again.errors, "havrel: " + m_items + ": there is an item of that name already\n");
+}
+
+TEST_F(Archive, TakesNoCaptureWhereNoSchedulerIs)
+{
+    create();
+    const EnvironmentValue bus("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + m_tree.bytes("none"));
+
+    const RunResult result = run({"capture", "--to", "Home.zephra", "items"}, {.workingFolder = m_tree.bytes(".")});
+
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.errors.endsWith("havrel: scheduler: it cannot be reached\n")) << result.errors.constData();
 }
 
 TEST_F(Archive, IsListedWithWhatWasCaptured)

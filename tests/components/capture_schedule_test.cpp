@@ -53,7 +53,13 @@ private:
 class ACaptureSchedule : public ::testing::Test
 {
 protected:
-    std::unique_ptr<CaptureSchedule> schedule() { return std::make_unique<CaptureSchedule>(m_file, m_engine.runner()); }
+    std::unique_ptr<CaptureSchedule> schedule()
+    {
+        return std::make_unique<CaptureSchedule>(
+            m_file, m_engine.runner(), [this](QLatin1StringView notice, const QVariantMap& info) {
+                m_told.tell({notice, info});
+            });
+    }
     /// Until as many runs are in the log.
     static QVariantMap runs(const CaptureSchedule& schedule, qsizetype count)
     {
@@ -77,6 +83,7 @@ protected:
     std::shared_ptr<tests::RecordingLogr> m_logr = std::make_shared<tests::RecordingLogr>();
     tests::SharedLoggerScope m_sharedLogger{m_logr};
     FakeEngine m_engine;
+    Awaited<std::pair<QString, QVariantMap>> m_told;
 };
 
 TEST_F(ACaptureSchedule, DoesNothingByItself)
@@ -154,6 +161,7 @@ TEST_F(ACaptureSchedule, WritesDownHowItWent)
     EXPECT_EQ(failed.value(u"outcome"_s), u"failed"_s);
     EXPECT_EQ(failed.value(u"fault"_s), wordOf(EngineFault::Locked));
     EXPECT_EQ(failed.value(u"reason"_s), sentenceOf(EngineFault::Locked));
+    EXPECT_EQ(failed.value(u"words"_s), u"words"_s);
 }
 
 TEST_F(ACaptureSchedule, SurvivesARestart)
@@ -198,6 +206,77 @@ TEST_F(ACaptureSchedule, MakesACaptureAgainThatItHadToStop)
     EXPECT_EQ(runs(*schedule, 1).value(u"1"_s).toMap().value(u"outcome"_s), u"done"_s);
 }
 
+TEST_F(ACaptureSchedule, BeginsNothingAnyMoreOnceItIsStopped)
+{
+    const auto schedule = this->schedule();
+    schedule->stop();
+    schedule->add("/a.zephra", {"/one"});
+    schedule->stop();
+
+    EXPECT_EQ(schedule->actions().size(), 1);
+    EXPECT_EQ(m_engine.begun.count(), 0U);
+}
+
+TEST_F(ACaptureSchedule, TellsHowFarAnActionIsAndThatItHasEnded)
+{
+    const auto schedule = this->schedule();
+    const QString id = schedule->add("/a.zephra", {"/one"});
+    const auto call = m_engine.begun.one();
+    ASSERT_TRUE(call);
+    (void)call->progress({.fraction = 0.25, .files = 8, .filesDone = 2, .bytes = 80, .bytesDone = 20, .current = {}});
+    m_engine.end();
+
+    const auto told = m_told.first(2);
+    ASSERT_EQ(told.size(), 2U);
+    EXPECT_EQ(told[0].first, u"SchedulerActionProgressed"_s);
+    EXPECT_EQ(told[0].second,
+              (QVariantMap{{u"id"_s, id},
+                           {u"fraction"_s, 0.25},
+                           {u"files"_s, 8LL},
+                           {u"filesDone"_s, 2LL},
+                           {u"bytes"_s, 80LL},
+                           {u"bytesDone"_s, 20LL}}));
+    EXPECT_EQ(told[1].first, u"SchedulerActionEnded"_s);
+    EXPECT_EQ(told[1].second, (QVariantMap{{u"id"_s, id}}));
+    EXPECT_TRUE(schedule->runSummaries().contains(id)) << "who is told of the end finds the summary";
+}
+
+TEST_F(ACaptureSchedule, MakesACaptureAgainWhoseEngineWasMadeToStop)
+{
+    const auto stopped = []() -> CaptureSummary { raiseFault(EngineFault::Stopped, {}, "/place"); };
+    const auto schedule = this->schedule();
+    schedule->add("/a.zephra", {"/one"});
+    m_engine.end(stopped);
+    m_engine.end(stopped);
+    m_engine.end();
+
+    EXPECT_EQ(runs(*schedule, 1).value(u"1"_s).toMap().value(u"outcome"_s), u"done"_s);
+    EXPECT_EQ(m_engine.begun.count(), 3U);
+    EXPECT_EQ(m_told.first(1).size(), 1U) << "only the end of the action is told";
+
+    schedule->add("/b.zephra", {"/one"});
+    for (int i = 0; i < 3; ++i)
+        m_engine.end(stopped);
+    EXPECT_EQ(runs(*schedule, 2).value(u"2"_s).toMap().value(u"fault"_s), u"stopped"_s) << "but not for ever";
+}
+
+TEST_F(ACaptureSchedule, KeepsTheFirstThousandProblemsOfARun)
+{
+    const auto schedule = this->schedule();
+    schedule->add("/a.zephra", {"/one"});
+    m_engine.end([] {
+        CaptureSummary summary;
+        for (int i = 0; i < 1001; ++i)
+            summary.problems.append({QString::number(i), u"gone"_s});
+        return summary;
+    });
+
+    const QVariantMap run = runs(*schedule, 1).value(u"1"_s).toMap();
+    EXPECT_EQ(run.value(u"problemCount"_s), 1001);
+    EXPECT_EQ(run.value(u"problems"_s).toList().size(), 1000);
+    EXPECT_EQ(run.value(u"problems"_s).toList().constLast().toMap().value(u"item"_s), u"999"_s);
+}
+
 TEST_F(ACaptureSchedule, GivesUpWhatItHasNotSurvivedThreeTimes)
 {
     const ScheduledAction fatal{.id = u"7"_s, .archive = "/a", .items = {"/one"}, .attempts = 3};
@@ -224,7 +303,7 @@ TEST_F(ACaptureSchedule, WaitsForTheHoldTime)
     EXPECT_EQ(m_engine.begun.count(), 0U);
     EXPECT_EQ(schedule->volatileInfo().value(u"clockAhead"_s), 3599.0);
     m_clock.set(QDateTime::fromSecsSinceEpoch(1767225601, Qt::UTC));
-    schedule->clockChanged();
+    schedule->setClockAhead(3599);
 
     EXPECT_TRUE(m_engine.begun.one().has_value());
     m_engine.end();

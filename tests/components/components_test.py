@@ -4,13 +4,20 @@
 
 usage: components_test.py HAVREL FOLDER_OF_COMPONENTS
 """
+import json
 import os
 import pathlib
+import pty
+import select
+import shutil
 import signal
+import stat
 import subprocess
 import sys
 import tempfile
+import time
 
+from idle_process import unrest_of
 from plain_bus import Bus, Variant
 
 HAVREL, COMPONENTS = sys.argv[1], pathlib.Path(sys.argv[2])
@@ -73,24 +80,43 @@ def check_the_switchboard():
 
 
 def check_that_a_stranger_passes_as_scheduler(folder):
-    asked = []
+    asked, looks, runs = [], [], {}
+    action = {"id": Variant("s", "x"), "archive": Variant("ay", bytes(folder / "a.zephra")),
+              "items": Variant("aay", [bytes(folder / "items")])}
 
     def scheduler(message):
         if message.member == "quickCapture_toRepository_":
             asked.append(message.values)
             return "", ()
-        runs = {"x": Variant("a{sv}", {"id": Variant("s", "x"), "archive": Variant("ay", archive),
-                                       "items": Variant("aay", items), "outcome": Variant("s", "done")})
-                for items, archive in asked}
-        return {"queryActionsInfoWithReply_": ("aa{sv}", ([],)),
-                "queryVolatileInfoWithReply_": ("a{sv}", ({},)),
+        if message.member == "queryActionsInfoWithReply_":
+            looks.append(message)
+        return {"queryActionsInfoWithReply_": ("aa{sv}", ([] if runs else [action],)),
+                "queryVolatileInfoWithReply_": ("a{sv}", ({"asked": Variant("s", "x")} if asked else {},)),
                 "queryRunSummariesWithReply_": ("a{sv}", (runs,))}.get(message.member)
 
     peer = Peer(f"{ROOM}/scheduler", scheduler)
     peer.publish("com.havrel.scheduler", "/com/example/scheduler")
-    client = subprocess.Popen([HAVREL, "capture", "--to", folder / "a.zephra", folder / "items"])
+    terminal, end = pty.openpty()
+    client = subprocess.Popen([HAVREL, "capture", "--to", folder / "a.zephra", folder / "items"], stderr=end,
+                              env={**os.environ, "TERM": "xterm"})
+
+    def tell(notice, action="x"):
+        peer.ask("postNotificationName_source_userInfo_", "sasa{sv}", notice, ["Scheduler"],
+                 {"id": Variant("s", action), "fraction": Variant("d", 0.5), "filesDone": Variant("x", 9)})
+
+    peer.serve(lambda: looks)
+    peer.serve(lambda: not unrest_of(client.pid))  # it waits to be told, and for nothing else
+    assert len(looks) == 1 and client.poll() is None, looks
+    tell("SchedulerActionEnded", "of somebody else")
+    deadline = time.monotonic() + 60
+    while not select.select([terminal], [], [], 0)[0]:  # the bar shows itself when it has taken a moment
+        tell("SchedulerActionProgressed")
+        assert time.monotonic() < deadline
+    assert b"50%  9 items" in os.read(terminal, 1000)
+    runs["x"] = Variant("a{sv}", {**action, "outcome": Variant("s", "done")})
+    tell("SchedulerActionEnded")
     peer.serve(lambda: client.poll() is not None)
-    assert client.returncode == 0, client.returncode
+    assert client.returncode == 0 and len(looks) == 2, (client.returncode, looks)
     assert asked == [[[bytes(folder / "items")], bytes(folder / "a.zephra")]], asked
     peer.ask("redactEndpointForIdentifier_", "s", "com.havrel.scheduler")
     peer.socket.close()
@@ -98,19 +124,23 @@ def check_that_a_stranger_passes_as_scheduler(folder):
 
 
 def described(root):
-    """What there is to compare of each item."""
-    result = {}
+    """What there is to compare of each item: everything that the system tells, but numbers that it gives out itself."""
+    result, first = {}, {}
     for folder, folders, files in os.walk(os.fsencode(root)):
-        for name in [b"."] + folders + files:
+        for name in [b"."] + sorted(folders + files):
             path = os.path.join(folder, name)
-            facts = os.lstat(path)
-            link = os.path.islink(path)
-            content = os.readlink(path) if link else pathlib.Path(os.fsdecode(path)).read_bytes() \
-                if name in files else b""
+            place, facts = os.path.relpath(path, os.fsencode(root)), os.lstat(path)
+            content = b""
+            if stat.S_ISLNK(facts.st_mode):
+                content = os.readlink(path)
+            elif stat.S_ISREG(facts.st_mode):
+                content = pathlib.Path(os.fsdecode(path)).read_bytes()
             attributes = {each: os.getxattr(path, each, follow_symlinks=False) for each in
                           os.listxattr(path, follow_symlinks=False)}
-            result[os.path.relpath(path, os.fsencode(root))] = (
-                facts.st_mode, facts.st_mtime_ns if not link else 0, content, attributes)
+            same = first.setdefault(facts.st_ino, place)
+            is_sparse = facts.st_size > 1_000_000 and facts.st_blocks * 512 < facts.st_size // 2
+            result[place] = (facts.st_mode, facts.st_uid, facts.st_gid, facts.st_mtime_ns, same, is_sparse, content,
+                             attributes)
     return result
 
 
@@ -124,18 +154,29 @@ def fill(folder):
     os.symlink("../text.txt", folder / "below/link")
     pathlib.Path(os.fsdecode(bytes(folder) + b"/below/caf\xe9 \n")).write_text("a name of any bytes\n")
     with open(folder / "sparse", "wb") as file:
+        file.write(b"begins")
         file.truncate(5_000_000)
-    os.utime(folder / "text.txt", ns=(1, 1_234_567_890_123_456_789))
-    try:
-        os.setxattr(folder / "empty", "user.note", b"kept")
-    except OSError:
-        print("no attributes here")
+    os.link(folder / "text.txt", folder / "below/same text")
+    os.symlink(b"to bytes \xfe", bytes(folder) + b"/below/l\xff")
+    os.mkfifo(folder / "pipe", 0o620)
+    (folder / "read-only").write_text("kept\n")
+    for name, note in (("empty", b""), ("read-only", b"\0\xff"), ("below", b"of a folder")):
+        os.setxattr(folder / name, "user.note", note)
+    (folder / "read-only").chmod(0o444)
+    for each, seconds in (("text.txt", 1_234_567_890), ("below/link", 1_000_000_000), ("pipe", 3), ("below", -5),
+                          (".", 946_684_800)):
+        os.utime(folder / each, ns=(1, seconds * 10**9 + 123_456_789), follow_symlinks=False)
 
 
 def change(folder):
     (folder / "text.txt").write_text("two\n")
     (folder / "empty").unlink()
     (folder / "new").write_text("new\n")
+    (folder / "private").chmod(0o640)
+    (folder / "pipe").rename(folder / "renamed")
+    os.setxattr(folder / "below", "user.note", b"changed")
+    os.removexattr(folder / "read-only", "user.note")
+    os.utime(folder / "below", ns=(1, 7))
 
 
 def havrel(*words):
@@ -161,32 +202,163 @@ def check_a_capture(folder):
     (owner, prefix), = peer.where("com.havrel.scheduler")
     runs, = peer.call(owner, f"{prefix}/x", "com.havrel.ZephronScheduling", "queryRunSummariesWithReply_")
     assert [each["outcome"] for each in runs.values()] == ["done", "done"], runs
+    second = runs[max(runs, key=int)]
+    assert second["filesNew"] == 1 and second["filesUnmodified"] >= 2, second
     missing = subprocess.run([HAVREL, "capture", "--to", folder / "none.zephra", items], capture_output=True)
     assert missing.returncode == 1 and b"none.zephra" in missing.stderr, missing
     print("monitor and scheduler know of it")
 
 
+class Hold:
+    """Keeps the next run of the engine's program waiting from its beginning on."""
+
+    def __init__(self, folder):
+        self.pipe = folder / "hold"
+        os.mkfifo(self.pipe)
+
+    def wait_until_reached(self):
+        """Only this one is held: the next one goes its way."""
+        self.end = os.open(self.pipe, os.O_WRONLY)
+        self.pipe.unlink()
+
+    def let_go(self):
+        os.write(self.end, b"\n")
+        os.close(self.end)
+
+    def give_up(self):
+        os.close(self.end)
+
+
+def install_engine_that_can_be_held(folder):
+    engine = shutil.which("restic")
+    assert engine, "restic is not installed (scripts/setup installs it)"
+    (folder / "bin").mkdir()
+    program = folder / "bin/restic"
+    program.write_text(f"#!/bin/sh\nif [ -p '{folder}/hold' ]; then read -r _ <'{folder}/hold' || exit 1; fi\n"
+                       f"exec '{engine}' \"$@\"\n")
+    program.chmod(0o755)
+    return f"{folder}/bin:{os.environ['PATH']}"
+
+
+def process_of(peer, name):
+    return peer.call_bus("GetConnectionUnixProcessID", "s", name)[0]
+
+
+def capture_meanwhile(folder, happens):
+    """What happens while a capture is under way, and the client waits for it."""
+    hold = Hold(folder)
+    client = subprocess.Popen([HAVREL, "capture", "--to", folder / "a.zephra", folder / "items"],
+                              stderr=subprocess.PIPE, text=True)
+    hold.wait_until_reached()
+    happens(hold)
+    _, errors = client.communicate(timeout=60)
+    return client.returncode, errors
+
+
+def check_deaths_during_a_capture(folder):
+    peer = Peer(f"{ROOM}/during")
+
+    def captures():
+        info = json.loads(havrel("archive", "info", "--json", folder / "a.zephra"))
+        return len(info["captures"])
+
+    def end_of(name, number):
+        def happens(hold):
+            owner, = peer.call_bus("GetNameOwner", "s", name)
+            os.kill(process_of(peer, name), number)
+            while peer.call_bus("NameHasOwner", "s", owner)[0]:
+                pass
+            if name == SWITCHBOARD:
+                hold.let_go()
+            else:
+                hold.give_up()
+        return happens
+
+    for name, number in (("com.havrel.Scheduler", signal.SIGKILL), ("com.havrel.Scheduler", signal.SIGTERM),
+                         (SWITCHBOARD, signal.SIGKILL)):
+        before = captures()
+        status, errors = capture_meanwhile(folder, end_of(name, number))
+        assert status == 0 and "havrel:" not in errors, (name, number, status, errors)
+        assert captures() == before + 1, (name, number)
+        print("a capture survives that", name, "gets", number.name)
+
+
+def check_that_a_capture_does_not_need_its_client(folder):
+    peer = Peer(f"{ROOM}/watching")
+    peer.ask("addProxyObserver_forName_source_", "ssas", "me", "SchedulerActionEnded", ["Scheduler"],
+             protocol="ZephronSwitchboarding_private")
+    hold = Hold(folder)
+    client = subprocess.Popen([HAVREL, "capture", "--to", folder / "a.zephra", folder / "items"])
+    hold.wait_until_reached()
+    client.kill()
+    client.wait()
+    hold.let_go()
+    peer.serve(lambda: peer.heard)
+    (owner, prefix), = peer.where("com.havrel.scheduler")
+    runs, = peer.call(owner, f"{prefix}/y", "com.havrel.ZephronScheduling", "queryRunSummariesWithReply_")
+    assert runs[peer.heard[0][3]["id"]]["outcome"] == "done", (peer.heard, runs)
+    print("a capture does not need its client")
+
+
+def check_that_the_queue_and_the_log_survive(folder):
+    peer = Peer(f"{ROOM}/surviving")
+
+    def ask(member, signature="", *values):
+        (owner, prefix), = peer.where("com.havrel.scheduler")
+        return peer.call(owner, f"{prefix}/z{peer.serial}", "com.havrel.ZephronScheduling", member, signature, *values)
+
+    ask("setHoldTime_", "d", 4e9)
+    ask("quickCapture_toRepository_", "aayay", [bytes(folder / "items")], bytes(folder / "a.zephra"))
+    before = ask("queryActionsInfoWithReply_"), ask("queryRunSummariesWithReply_")
+    assert len(before[0][0]) == 1 and len(before[1][0]) > 2, before
+    process = process_of(peer, "com.havrel.Scheduler")
+    os.kill(process, signal.SIGKILL)
+    while "com.havrel.Scheduler" in peer.call_bus("ListNames")[0]:
+        pass
+    assert (ask("queryActionsInfoWithReply_"), ask("queryRunSummariesWithReply_")) == before
+    assert process_of(peer, "com.havrel.Scheduler") != process
+    assert ask("queryHoldTimeWithReply_") == [4e9]
+    ask("setHoldTime_", "d", 0.0)
+    while ask("queryActionsInfoWithReply_")[0]:
+        pass
+    print("the queue and the log survive the scheduler")
+
+
+def check_that_they_rest():
+    sleeping = subprocess.Popen(["sleep", "600"])
+    while "running" in pathlib.Path(f"/proc/{sleeping.pid}/syscall").read_text():
+        pass
+    assert unrest_of(sleeping.pid), "a process that waits for a time is not at rest"
+    sleeping.kill()
+    sleeping.wait()
+    peer = Peer(f"{ROOM}/resting")
+    for each in ("Switchboard", "Monitor", "Scheduler"):
+        process = process_of(peer, f"com.havrel.{each}")
+        try:
+            peer.serve(lambda: not unrest_of(process))  # threads that have answered end some seconds later
+        except TimeoutError as error:
+            raise AssertionError(each, unrest_of(process)) from error
+    print("nothing wakes them while nothing happens")
+
+
 def check_deaths(folder):
     peer = Peer(f"{ROOM}/deaths")
 
-    def process_of(name):
-        return peer.call_bus("GetConnectionUnixProcessID", "s", name)[0]
-
-    hanging = process_of("com.havrel.Monitor")
+    hanging = process_of(peer, "com.havrel.Monitor")
     os.kill(hanging, signal.SIGSTOP)
     havrel("capture", "--to", folder / "a.zephra", folder / "items")
     os.kill(hanging, signal.SIGCONT)
     before = peer.where("com.havrel.scheduler")
-    os.kill(process_of("com.havrel.Scheduler"), signal.SIGKILL)
+    os.kill(process_of(peer, "com.havrel.Scheduler"), signal.SIGKILL)
     while peer.where("com.havrel.scheduler") == before:  # until the bus has told that it has gone
         pass
     havrel("capture", "--to", folder / "a.zephra", folder / "items")
-    switchboard = process_of(SWITCHBOARD)
+    switchboard = process_of(peer, SWITCHBOARD)
     os.kill(switchboard, signal.SIGKILL)
     while SWITCHBOARD in peer.call_bus("ListNames")[0]:
         pass
     havrel("capture", "--to", folder / "a.zephra", folder / "items")
-    assert process_of(SWITCHBOARD) != switchboard
+    assert process_of(peer, SWITCHBOARD) != switchboard
     print("they survive each other")
 
 
@@ -220,6 +392,10 @@ def within_a_session(folder):
     check_that_a_stranger_passes_as_scheduler(folder)
     check_a_capture(folder)
     check_deaths(folder)
+    check_deaths_during_a_capture(folder)
+    check_that_a_capture_does_not_need_its_client(folder)
+    check_that_the_queue_and_the_log_survive(folder)
+    check_that_they_rest()
 
 
 def main():
@@ -228,9 +404,10 @@ def main():
     with tempfile.TemporaryDirectory() as scratch:
         folder = pathlib.Path(scratch).resolve()
         serve(folder)
+        path = install_engine_that_can_be_held(folder)
         places = {f"XDG_{each}_HOME": str(folder / each.lower()) for each in ("DATA", "STATE", "CONFIG", "CACHE")}
         session = subprocess.run(["dbus-run-session", "--", sys.executable, __file__, *sys.argv[1:3], folder],
-                                 env={**os.environ, **places, "HOME": str(folder)})
+                                 env={**os.environ, **places, "HOME": str(folder), "PATH": path})
         sys.exit(session.returncode)
 
 

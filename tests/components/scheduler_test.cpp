@@ -36,11 +36,12 @@ protected:
     std::shared_ptr<tests::RecordingLogr> m_logr = std::make_shared<tests::RecordingLogr>();
     tests::SharedLoggerScope m_sharedLogger{m_logr};
     Awaited<QByteArray> m_captured;
-    Scheduler m_scheduler{m_tree.bytes("state"),
-                          [this](const QByteArray& archive, const QByteArrayList&, const EngineProgressBlock&) {
-                              m_captured.tell(archive);
-                              return CaptureSummary();
-                          }};
+    std::shared_ptr<Scheduler> m_owned = std::make_shared<Scheduler>(
+        m_tree.bytes("state"), [this](const QByteArray& archive, const QByteArrayList&, const EngineProgressBlock&) {
+            m_captured.tell(archive);
+            return CaptureSummary();
+        });
+    Scheduler& m_scheduler = *m_owned;
 };
 
 TEST_F(ASchedulerOnHold, HandlesEveryMessageOfItsProtocol)
@@ -99,6 +100,32 @@ TEST_F(ASchedulerOnHold, KnowsActionsByTheirIdentifiersAndDictionaries)
     EXPECT_EQ(m_captured.one(), "/3");
     tell("sabotageScheduleTime:", {5e9});
     EXPECT_EQ(m_captured.first(2).at(1), "/2");
+}
+
+TEST_F(ASchedulerOnHold, TellsEachConnectionWhichActionItHasAskedFor)
+{
+    SchedulerClient one(m_owned);
+    SchedulerClient other(m_owned);
+    const auto asked = [](SchedulerClient& client) {
+        QVariant id;
+        client.received({"queryVolatileInfoWithReply:", {}, [&id](const QVariantList& values) {
+                             id = values.value(0).toMap().value(u"asked"_s);
+                         }});
+        return id;
+    };
+    const QVariantList same{QVariant(QVariantList{QByteArray("/one")}), QByteArray("/a.zephra")};
+
+    EXPECT_EQ(asked(one), u""_s) << "nothing yet";
+    one.received({"quickCapture:toRepository:", same});
+    other.received({"quickCapture:toRepository:", same});
+    EXPECT_EQ(asked(one), u"1"_s);
+    EXPECT_EQ(asked(other), u"2"_s);
+    one.received({"quickCapture:toRepository:", same});
+    EXPECT_EQ(asked(one), u"3"_s) << "the latest";
+    other.received({"quickCapture:toRepository:", {QVariant(QVariantList()), QByteArray("/a.zephra")}});
+    EXPECT_EQ(asked(other), u""_s) << "refused";
+    other.received({"setHoldTime:", {5e9}});
+    EXPECT_EQ(m_scheduler.schedule().holdTime(), 5e9) << "everything else is the scheduler's";
 }
 
 TEST_F(ASchedulerOnHold, LaunchesNoServices)
