@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
 #include <sys/xattr.h>
@@ -26,7 +27,9 @@ ItemCalls systemItemCalls()
         .stat = ::stat,
         .lstat = ::lstat,
         .statfs = ::statfs,
+        .statx = ::statx,
         .pathconf = ::pathconf,
+        .umount2 = ::umount2,
         .openat =
             [](int folder, const char* name, int flags, mode_t mode) {
                 return ::openat(folder, name, flags | O_CLOEXEC, mode);

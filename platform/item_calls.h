@@ -25,7 +25,9 @@ struct ItemCalls
     std::function<int(const char* path, struct stat* status)> stat;
     std::function<int(const char* path, struct stat* status)> lstat;
     std::function<int(const char* path, struct ::statfs* statistics)> statfs;
+    std::function<int(int folder, const char* path, int flags, unsigned mask, struct statx* status)> statx;
     std::function<long(const char* path, int name)> pathconf;
+    std::function<int(const char* mountPoint, int flags)> umount2;
 
     std::function<int(int folder, const char* name, int flags, mode_t mode)> openat;
     std::function<int(int folder, const char* name, struct stat* status, int flags)> fstatat;

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "platform/items.h"
 
+#include "platform/file_system_types.h"
 #include "platform/item_calls.h"
 #include "platform/owned_descriptor.h"
+#include "platform/volume_bits.h"
 
 #include <array>
 #include <cerrno>
@@ -11,7 +13,9 @@
 #include <memory>
 
 #include <fcntl.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 namespace havrel::platform {
@@ -55,6 +59,19 @@ bool leadsTo(const QByteArray& path, int descriptor)
     struct stat found;
     return ::fstat(descriptor, &open) == 0 && itemCalls().lstat(path.constData(), &found) == 0 &&
            open.st_dev == found.st_dev && open.st_ino == found.st_ino;
+}
+
+/// What the C library says of the types that it does not know, tmpfs and overlay among them, and what is true of them.
+constexpr long kGuessedFileSizeBits = 32;
+constexpr std::int64_t kFileSizeBits = 64;
+
+bool holdsLongFiles(const QByteArray& path)
+{
+    struct statfs statistics;
+    if (itemCalls().statfs(path.constData(), &statistics) != 0)
+        return false;
+    const auto& type = fileSystemTypeNamed(typeNameOfMagic(static_cast<std::uint64_t>(statistics.f_type)));
+    return (type.format & ~type.unsettledFormat & VOL_CAP_FMT_2TB_FILESIZE) != 0;
 }
 
 bool isMountRoot(int folder, const char* name, int flags)
@@ -148,7 +165,15 @@ std::int64_t pathLimit(const QByteArray& path, PathLimit limit)
     static constexpr std::array<int, 3> kNames{_PC_REC_MIN_XFER_SIZE, _PC_REC_MAX_XFER_SIZE, _PC_FILESIZEBITS};
     if (!namesAnItem(path))
         return -1;
-    return itemCalls().pathconf(path.constData(), kNames.at(static_cast<std::size_t>(limit)));
+    const long value = itemCalls().pathconf(path.constData(), kNames.at(static_cast<std::size_t>(limit)));
+    const bool isGuess = limit == PathLimit::FileSizeBits && value == kGuessedFileSizeBits;
+    return isGuess && holdsLongFiles(path) ? kFileSizeBits : value;
+}
+
+int unmountVolume(const QByteArray& mountPoint, bool forcibly)
+{
+    return namesAnItem(mountPoint) ? answer(itemCalls().umount2(mountPoint.constData(), forcibly ? MNT_FORCE : 0))
+                                   : EINVAL;
 }
 
 int touchItem(const QByteArray& path)

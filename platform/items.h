@@ -45,6 +45,10 @@ namespace havrel::platform {
 [[nodiscard]] bool isMountPoint(int folder);
 [[nodiscard]] bool isMountPoint(int parent, const char* name);
 
+/// Unmounts what is mounted on \p mountPoint; \p forcibly also while it is in use, where the file system can.
+/// \source umount2(2), MNT_FORCE
+[[nodiscard]] int unmountVolume(const QByteArray& mountPoint, bool forcibly);
+
 /// What limits a path's file system names, as pathconf(3) does. -1: an error or no limit.
 enum class PathLimit { MinTransferSize, MaxTransferSize, FileSizeBits };
 [[nodiscard]] std::int64_t pathLimit(const QByteArray& path, PathLimit limit);

@@ -4,6 +4,7 @@
 #include "fs/volume_info.h"
 #include "platform/random.h"
 #include "tests/support/item_facts.h"
+#include "tests/support/pretended_mount_table.h"
 #include "tests/support/recording_logr.h"
 #include "tests/support/replaced_item_calls.h"
 #include "tests/support/temporary_tree.h"
@@ -12,15 +13,12 @@
 
 #include <cerrno>
 
-#include <linux/magic.h>
-#include <sys/vfs.h>
-
 namespace havrel {
 namespace {
 
 using namespace havrel::tests;
 
-constexpr unsigned long kOtherFileSystem = 0x1234; // not one that exchanges items
+constexpr const char* kOtherFileSystem = "hfsplus"; // not one that exchanges items
 
 class JNPathSwap : public ::testing::Test
 {
@@ -31,14 +29,7 @@ protected:
         write(m_tree.path("theirs"), "their data");
     }
     /// Makes the volume one of another type.
-    void pretendType(unsigned long type)
-    {
-        m_calls->statfs = [type](const char* path, struct statfs* statistics) {
-            const int result = platform::systemItemCalls().statfs(path, statistics);
-            statistics->f_type = static_cast<__fsword_t>(type);
-            return result;
-        };
-    }
+    void pretendType(const char* type) { pretendMountTable(m_calls, m_elsewhere, mountTableOfType(type)); }
     [[nodiscard]] JNPathPtr path(const char* name) const { return JNPath::withCPath(m_tree.bytes(name)); }
     void expectSwapped() const
     {
@@ -68,6 +59,7 @@ protected:
     }
 
     TemporaryTree m_tree;
+    TemporaryTree m_elsewhere;
     ReplacedItemCalls m_calls;
 };
 
@@ -102,7 +94,7 @@ TEST_F(JNPathSwap, RenamesThreeTimesWhereTheVolumeCannot)
 
 TEST_F(JNPathSwap, LogsAnExchangeThatFailsAndGoesOn)
 {
-    pretendType(EXT4_SUPER_MAGIC);
+    pretendType("ext4");
     m_calls->renameat2 = failing(EINVAL);
     const auto logger = std::make_shared<RecordingLogr>();
     const SharedLoggerScope scope(logger);
@@ -184,7 +176,7 @@ TEST_F(JNPathSwap, CutsTheTemporaryNameOfALongName)
 TEST_F(JNPathSwap, ExchangesAFolderWithAFile)
 {
     m_tree.add("folder/inner");
-    for (const unsigned long type : {static_cast<unsigned long>(EXT4_SUPER_MAGIC), kOtherFileSystem}) {
+    for (const char* type : {"ext4", kOtherFileSystem}) {
         pretendType(type);
         path("folder")->swapWith(*path("theirs"));
         EXPECT_EQ(contentsOf(m_tree.path("folder")), "their data");
