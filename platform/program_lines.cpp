@@ -89,7 +89,7 @@ public:
 
     void take(Proceed proceed)
     {
-        if (proceed == Proceed::Yes || m_latest)
+        if (proceed == Proceed::Yes || isInterrupted())
             return;
         m_child.interrupt();
         m_latest = Clock::now() + m_call.patience;
@@ -98,25 +98,27 @@ public:
     [[nodiscard]] int milliseconds() const
     {
         constexpr int kPulse = 200;
-        if (!m_latest)
+        if (!isInterrupted())
             return m_call.pulse ? kPulse : -1;
-        const auto rest = std::chrono::ceil<std::chrono::milliseconds>(*m_latest - Clock::now());
+        const auto rest = std::chrono::ceil<std::chrono::milliseconds>(m_latest - Clock::now());
         return static_cast<int>(std::max<std::chrono::milliseconds::rep>(rest.count(), 0));
     }
     /// Nothing has come for that long.
     void pulse()
     {
-        if (!m_latest && m_call.pulse)
+        if (!isInterrupted() && m_call.pulse)
             take(m_call.pulse());
     }
-    [[nodiscard]] bool isOverdue() const { return m_latest && Clock::now() >= *m_latest; }
+    [[nodiscard]] bool isOverdue() const { return isInterrupted() && Clock::now() >= m_latest; }
 
 private:
     using Clock = std::chrono::steady_clock;
 
+    [[nodiscard]] bool isInterrupted() const { return m_latest != Clock::time_point::max(); }
+
     const OwnedChildProcess& m_child;
     const ProgramCall& m_call;
-    std::optional<Clock::time_point> m_latest; // when it has to have ended
+    Clock::time_point m_latest = Clock::time_point::max(); // when it has to have ended, once it was interrupted
 };
 
 void readAll(std::array<LineStream, 2>& streams, Ending& ending, const LineBlock& line)
