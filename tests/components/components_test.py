@@ -11,43 +11,18 @@ import pty
 import select
 import shutil
 import signal
-import stat
 import subprocess
 import sys
 import tempfile
 import time
 
+from bus_peer import ROOM, SWITCHBOARD, Peer
+from bus_session import components, output_of, run_again_within, serve
+from described_items import change, described, fill
 from idle_process import unrest_of
-from plain_bus import Bus, Variant
+from plain_bus import Variant
 
 HAVREL, COMPONENTS = sys.argv[1], pathlib.Path(sys.argv[2])
-SWITCHBOARD = f"com.havrel.switchboard._{os.geteuid()}"
-ROOM = f"/com/havrel/connection/com_havrel_switchboard__{os.geteuid()}"  # paths of connections to it are below
-
-
-class Peer(Bus):
-    """A component of another house: one connection to the switchboard, and whoever connects to it."""
-
-    def __init__(self, path, handler=None):
-        self.path, self.heard, self.own = path, [], handler
-        super().__init__(self.received)
-
-    def received(self, message):
-        if message.member == "forwardToObserver_notification_fromSource_withInfo_" and message.path == self.path:
-            self.heard.append(message.values)
-            return "", ()
-        if message.member == "barrierWithCompletion_":
-            return "", ()
-        return self.own(message) if self.own else None
-
-    def ask(self, member, signature="", *values, protocol="ZephronSwitchboarding"):
-        return self.call(SWITCHBOARD, self.path, f"com.havrel.{protocol}", member, signature, *values)
-
-    def publish(self, identifier, prefix):
-        self.ask("publishEndpoint_forIdentifier_", "(so)s", (self.name, prefix), identifier)
-
-    def where(self, identifier):
-        return self.ask("queryEndpointForIdentifier_withReply_", "s", identifier)[0]
 
 
 def check_the_switchboard():
@@ -123,66 +98,8 @@ def check_that_a_stranger_passes_as_scheduler(folder):
     print("a stranger passes as scheduler")
 
 
-def described(root):
-    """What there is to compare of each item: everything that the system tells, but numbers that it gives out itself."""
-    result, first = {}, {}
-    for folder, folders, files in os.walk(os.fsencode(root)):
-        for name in [b"."] + sorted(folders + files):
-            path = os.path.join(folder, name)
-            place, facts = os.path.relpath(path, os.fsencode(root)), os.lstat(path)
-            content = b""
-            if stat.S_ISLNK(facts.st_mode):
-                content = os.readlink(path)
-            elif stat.S_ISREG(facts.st_mode):
-                content = pathlib.Path(os.fsdecode(path)).read_bytes()
-            attributes = {each: os.getxattr(path, each, follow_symlinks=False) for each in
-                          os.listxattr(path, follow_symlinks=False)}
-            same = first.setdefault(facts.st_ino, place)
-            is_sparse = facts.st_size > 1_000_000 and facts.st_blocks * 512 < facts.st_size // 2
-            result[place] = (facts.st_mode, facts.st_uid, facts.st_gid, facts.st_mtime_ns, same, is_sparse, content,
-                             attributes)
-    return result
-
-
-def fill(folder):
-    folder.mkdir()
-    (folder / "text.txt").write_text("one\n")
-    (folder / "empty").touch()
-    (folder / "private").write_bytes(os.urandom(200_000))
-    (folder / "private").chmod(0o600)
-    (folder / "below").mkdir()
-    os.symlink("../text.txt", folder / "below/link")
-    pathlib.Path(os.fsdecode(bytes(folder) + b"/below/caf\xe9 \n")).write_text("a name of any bytes\n")
-    with open(folder / "sparse", "wb") as file:
-        file.write(b"begins")
-        file.truncate(5_000_000)
-    os.link(folder / "text.txt", folder / "below/same text")
-    os.symlink(b"to bytes \xfe", bytes(folder) + b"/below/l\xff")
-    os.mkfifo(folder / "pipe", 0o620)
-    (folder / "read-only").write_text("kept\n")
-    for name, note in (("empty", b""), ("read-only", b"\0\xff"), ("below", b"of a folder")):
-        os.setxattr(folder / name, "user.note", note)
-    (folder / "read-only").chmod(0o444)
-    for each, seconds in (("text.txt", 1_234_567_890), ("below/link", 1_000_000_000), ("pipe", 3), ("below", -5),
-                          (".", 946_684_800)):
-        os.utime(folder / each, ns=(1, seconds * 10**9 + 123_456_789), follow_symlinks=False)
-
-
-def change(folder):
-    (folder / "text.txt").write_text("two\n")
-    (folder / "empty").unlink()
-    (folder / "new").write_text("new\n")
-    (folder / "private").chmod(0o640)
-    (folder / "pipe").rename(folder / "renamed")
-    os.setxattr(folder / "below", "user.note", b"changed")
-    os.removexattr(folder / "read-only", "user.note")
-    os.utime(folder / "below", ns=(1, 7))
-
-
 def havrel(*words):
-    done = subprocess.run([HAVREL, *words], capture_output=True, text=True, errors="surrogateescape", timeout=300)
-    assert done.returncode == 0, (words, done.returncode, done.stdout, done.stderr)
-    return done.stdout
+    return output_of(HAVREL, *words)
 
 
 def check_a_capture(folder):
@@ -376,14 +293,6 @@ def check_all_in_one_process():
     print("all of them in one process")
 
 
-def serve(folder):
-    services = folder / "data/dbus-1/services"
-    services.mkdir(parents=True)
-    for each in ("Switchboard", "Monitor", "Scheduler"):
-        (services / f"com.havrel.{each}.service").write_text(
-            f"[D-BUS Service]\nName=com.havrel.{each}\nExec={COMPONENTS}/havrel-{each.lower()}\n")
-
-
 def within_a_session(folder):
     fill(folder / "items")
     havrel("archive", "create", folder / "a.zephra", "--repository", folder / "repository")
@@ -403,12 +312,8 @@ def main():
         return within_a_session(pathlib.Path(sys.argv[3]))
     with tempfile.TemporaryDirectory() as scratch:
         folder = pathlib.Path(scratch).resolve()
-        serve(folder)
-        path = install_engine_that_can_be_held(folder)
-        places = {f"XDG_{each}_HOME": str(folder / each.lower()) for each in ("DATA", "STATE", "CONFIG", "CACHE")}
-        session = subprocess.run(["dbus-run-session", "--", sys.executable, __file__, *sys.argv[1:3], folder],
-                                 env={**os.environ, **places, "HOME": str(folder), "PATH": path})
-        sys.exit(session.returncode)
+        serve(folder, components(COMPONENTS))
+        sys.exit(run_again_within(folder, PATH=install_engine_that_can_be_held(folder)))
 
 
 main()
