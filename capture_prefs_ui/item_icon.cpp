@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "capture_prefs_ui/item_icon.h"
 
+#include "capture_prefs_ui/archive_type.h"
 #include "capture_prefs_ui/loaded_items.h"
 #include "fs/item_resources.h"
 #include "fs/path.h"
@@ -26,17 +27,25 @@ QIcon folderIcon()
     return themeIcon({QStringLiteral("folder"), QStringLiteral("inode-directory")}, QStyle::SP_DirIcon);
 }
 
-/// What the product's archives look like where no package of the desktop's tells.
+/// Has the toolkit look into the program's own icons where the desktop's theme has no icon of a name: a program that is
+/// not installed has nothing in the themes.
+void offerOwnIcons()
+{
+    const QString folder = QStringLiteral(":/icons");
+    if (const QStringList offered = QIcon::fallbackSearchPaths(); !offered.contains(folder))
+        QIcon::setFallbackSearchPaths(offered + QStringList(folder));
+}
+
 QIcon archiveIcon()
 {
-    return themeIcon({QStringLiteral("application-x-zephra"), QStringLiteral("package-x-generic")},
-                     QStyle::SP_DriveHDIcon);
+    offerOwnIcons();
+    return themeIcon({archive_type::kIconName, QStringLiteral("package-x-generic")}, QStyle::SP_DriveHDIcon);
 }
 
 /// By the name alone: looking into a file could block, and would read it.
 QIcon fileIcon(const JNPath& path)
 {
-    if (path.extension() == QLatin1StringView("zephra"))
+    if (path.extension().compare(archive_type::kExtension, Qt::CaseInsensitive) == 0)
         return archiveIcon();
     const QMimeType type = QMimeDatabase().mimeTypeForFile(path.name(), QMimeDatabase::MatchExtension);
     return themeIcon({type.iconName(), type.genericIconName(), QStringLiteral("text-x-generic")}, QStyle::SP_FileIcon);

@@ -20,6 +20,14 @@ set(icons ${CMAKE_INSTALL_DATADIR}/icons/hicolor)
 install(FILES resources/icons/${app_id}.svg DESTINATION ${icons}/scalable/apps COMPONENT havrel)
 install(FILES resources/icons/${app_id}-symbolic.svg DESTINATION ${icons}/symbolic/apps COMPONENT havrel)
 
+# What archives are to desktops: the file type, and its icon.
+install(FILES resources/icons/application-x-zephra.svg DESTINATION ${icons}/scalable/mimetypes COMPONENT havrel)
+install(FILES resources/mime/${app_id}.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages COMPONENT havrel)
+install(CODE "
+    set(folder \"${CMAKE_INSTALL_DATADIR}/mime\")
+    include(\"${PROJECT_SOURCE_DIR}/cmake/refresh_file_types.cmake\")
+" COMPONENT havrel)
+
 foreach(program IN ITEMS havrel havrel-monitor havrel-scheduler havrel-service havrel-switchboard)
     install(FILES docs/man/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT havrel)
 endforeach()

@@ -20,7 +20,7 @@ set(CPACK_DEBIAN_HAVREL_PACKAGE_NAME havrel)
 set(CPACK_DEBIAN_HAVREL_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_HAVREL_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_HAVREL_PACKAGE_DEPENDS "default-dbus-session-bus | dbus-session-bus")
-set(CPACK_DEBIAN_HAVREL_PACKAGE_RECOMMENDS "qt6-qpa-plugins, restic, xdg-utils")
+set(CPACK_DEBIAN_HAVREL_PACKAGE_RECOMMENDS "libqt6svg6, qt6-qpa-plugins, restic, shared-mime-info, xdg-utils")
 set(CPACK_DEBIAN_HAVREL_PACKAGE_SUGGESTS "havrel-nautilus, havrel-nemo, havrel-caja, havrel-thunar")
 
 # add_menu_package(<file manager> <its package> <package that loads the entry>)

@@ -5,6 +5,10 @@
 #include "fs/path.h"
 #include "tests/support/temporary_tree.h"
 
+#include <QIcon>
+#include <QImage>
+#include <QPixmap>
+
 #include <gtest/gtest.h>
 
 namespace havrel::tests {
@@ -29,6 +33,37 @@ TEST_F(ItemCell, ShowsAnItemByItsIconAndName)
         EXPECT_EQ(m_cell.text(), JNPath::withCPath(each)->path());
         EXPECT_FALSE(m_cell.cellImage().isNull()) << each;
         EXPECT_EQ(m_cell.objectValue(), QVariant(textOf(each)));
+    }
+}
+
+/// The theme and where else the toolkit looks for icons, as they were.
+class ThemeOfIcons
+{
+public:
+    explicit ThemeOfIcons(const QString& name) { QIcon::setThemeName(name); }
+    ~ThemeOfIcons()
+    {
+        QIcon::setThemeName(m_name);
+        QIcon::setFallbackSearchPaths(m_folders);
+    }
+    Q_DISABLE_COPY_MOVE(ThemeOfIcons)
+
+private:
+    const QString m_name = QIcon::themeName();
+    const QStringList m_folders = QIcon::fallbackSearchPaths();
+};
+
+TEST_F(ItemCell, ShowsAnArchiveByTheIconOfItsType)
+{
+    const ThemeOfIcons theme(QStringLiteral("hicolor"));
+    m_tree.add("OLD.ZEPHRA");
+    m_tree.add("zephra"); // no extension
+    const QColor lid(0x55, 0x90, 0x8f);
+    const std::pair<const char*, bool> rows[] = {{"Home.zephra", true}, {"OLD.ZEPHRA", true}, {"zephra", false}};
+    for (const auto& [name, isArchive] : rows) {
+        m_cell.setObjectValue(textOf(name));
+        const QImage picture = m_cell.cellImage().pixmap(QSize(16, 16), 1).toImage();
+        EXPECT_EQ(picture.pixelColor(8, 5) == lid, isArchive) << name;
     }
 }
 

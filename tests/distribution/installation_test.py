@@ -52,6 +52,13 @@ def check_that_the_bus_finds_it(root):
     print("started by the bus from a folder with a blank in its name")
 
 
+def check_that_desktops_know_archives(root):
+    """Where it is installed for use, and not to be packed, by what all of them read."""
+    assert "application/x-zephra" in (root / "share/mime/globs2").read_text()
+    assert (root / "share/mime/mime.cache").exists()
+    print("archives are a file type")
+
+
 def main():
     with tempfile.TemporaryDirectory() as scratch:
         folder = pathlib.Path(scratch).resolve()
@@ -65,6 +72,9 @@ def main():
             check(root, folder / prefix)  # an absolute prefix stays as it is
         refused = install(folder, folder / 'quo"te')
         assert refused.returncode != 0 and "could not start" in refused.stderr, refused.stderr
+        assert not (folder / "staged/usr/share/mime/mime.cache").exists()
+        check_that_desktops_know_archives(folder / "a prefix")
+        check_that_desktops_know_archives(folder / "relative")
         check_that_the_bus_finds_it(folder / "a prefix")
 
 

@@ -17,6 +17,8 @@ PACKAGES = {
                 "usr/share/nemo/actions/havrel-capture.nemo_action", "usr/share/file-manager/actions/havrel-menu.desktop",
                 "usr/share/icons/hicolor/scalable/apps/com.havrel.Service.svg",
                 "usr/share/icons/hicolor/symbolic/apps/com.havrel.Service-symbolic.svg",
+                "usr/share/icons/hicolor/scalable/mimetypes/application-x-zephra.svg",
+                "usr/share/mime/packages/com.havrel.Service.xml",
                 "usr/share/dbus-1/services/com.havrel.Service.service", "usr/share/systemd/user/havrel-service.service",
                 *(f"usr/share/dbus-1/services/com.havrel.{each}.service" for each in ("Switchboard", "Monitor", "Scheduler")),
                 *(f"{place}/havrel-{each}{ending}" for each in ("switchboard", "monitor", "scheduler")
@@ -52,6 +54,8 @@ def problems(package, files, fields):
     for field, texts in fields.items():
         value = output_of("dpkg-deb", "--field", package, field).strip()
         yield from (f"{name}: {field}: {value}: lacks {text}" for text in texts if text not in value)
+    yield from (f"{name} has {each}, which belongs to the machine" for each in held
+                if each.startswith("usr/share/mime/") and "/packages/" not in each)
     print(f"{name}: {len(held)} files")
 
 
