@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/archive_list_view.h"
 
+#include <QMouseEvent>
+
 namespace havrel {
 namespace {
 
@@ -54,6 +56,14 @@ QModelIndex ArchiveListView::moveCursor(CursorAction action, Qt::KeyboardModifie
     const bool isUpwards = action == MoveUp || action == MovePrevious || action == MovePageUp || action == MoveEnd;
     const QModelIndex there = nextSelectable(reached, isUpwards ? -1 : 1);
     return there.isValid() ? there : nextSelectable(reached, isUpwards ? 1 : -1);
+}
+
+void ArchiveListView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton)
+        QListView::mouseDoubleClickEvent(event);
+    else
+        QListView::mousePressEvent(event);
 }
 
 } // namespace havrel

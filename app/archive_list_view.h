@@ -24,6 +24,7 @@ public:
 
 protected:
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override; ///< chooses by the left button alone
 };
 
 } // namespace havrel

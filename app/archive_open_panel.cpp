@@ -1,20 +1,27 @@
 // SPDX-License-Identifier: MIT
 #include "app/archive_open_panel.h"
 
+#include "capture_prefs_ui/archive_type.h"
 #include "fs/path.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 namespace havrel {
 namespace {
 
-/// \source the product's archive type
-constexpr QLatin1StringView kArchiveExtension("zephra");
-
 QUrl withoutLink(const QUrl& url)
 {
     const JNPathPtr path = JNPath::pathWithURL(url);
     return path && QFileInfo(path->path()).isSymLink() ? path->real()->url() : url;
+}
+
+/// The folder of \p archive, if there is one, else the user's: what the process works in is nothing that people know.
+QString folderNear(const QUrl& archive)
+{
+    const JNPathPtr path = JNPath::pathWithURL(archive);
+    const QString folder = path ? path->parent()->path() : QString();
+    return QFileInfo(folder).isDir() ? folder : QDir::homePath();
 }
 
 } // namespace
@@ -26,15 +33,14 @@ ArchiveOpenPanel::ArchiveOpenPanel(QWidget& window, const QUrl& near)
     setWindowModality(Qt::WindowModal);
     setAcceptMode(AcceptOpen);
     setFileMode(ExistingFile);
-    setNameFilter(tr("Archives (*.%1)").arg(kArchiveExtension));
-    if (const JNPathPtr path = JNPath::pathWithURL(near))
-        setDirectory(path->parent()->path());
+    setNameFilter(tr("Archives (*.%1)").arg(archive_type::kExtension));
+    setDirectory(folderNear(near));
     connect(this, &QDialog::finished, this, [this](int result) { finish(result); });
 }
 
 bool ArchiveOpenPanel::isArchiveFile(const QString& path)
 {
-    return QFileInfo(path).suffix().compare(kArchiveExtension, Qt::CaseInsensitive) == 0;
+    return QFileInfo(path).suffix().compare(archive_type::kExtension, Qt::CaseInsensitive) == 0;
 }
 
 /// A folder is gone into, a name that nothing has is complained about: both by the toolkit.

@@ -15,7 +15,7 @@ class ArchiveOpenPanel : public QFileDialog
     Q_OBJECT
 
 public:
-    /// \param near begins in the folder of this archive, if it is valid.
+    /// \param near begins in the folder of this archive, if it is there, else in the user's.
     ArchiveOpenPanel(QWidget& window, const QUrl& near);
 
     /// What the user may choose: a file of the product's archive type. The desktop's own dialogs offer nothing else,

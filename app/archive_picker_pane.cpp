@@ -3,10 +3,12 @@
 
 #include "capture_prefs_ui/height_constraint.h"
 #include "capture_prefs_ui/leading_text.h"
+#include "capture_prefs_ui/window_frames.h"
 
 #include <QLayout>
 #include <QScreen>
 #include <QShortcut>
+#include <QShowEvent>
 
 #include <algorithm>
 
@@ -21,6 +23,12 @@ constexpr int kLeastLines = 5;           // that can be seen of the list when th
 constexpr double kMostOfTheScreen = 0.8; // of the height that the screen has for windows
 constexpr double kTitleSize = 1.25;      // of the size of the other texts
 
+/// In the file of frames: all pickers have one.
+QString frameName()
+{
+    return QStringLiteral("ArchivePicker");
+}
+
 } // namespace
 
 ArchivePickerPane::ArchivePickerPane()
@@ -30,7 +38,6 @@ ArchivePickerPane::ArchivePickerPane()
     m_pickerViewController = std::make_unique<ArchivePickerViewController>(*m_ui->tableView, takeRowViews());
     m_pickerViewController->setHeightConstraint(
         std::make_unique<HeightConstraint>([this](int height) { fitTable(height); }));
-    m_ui->titleField->setBuddy(m_ui->tableView);
     m_ui->tableView->setFocus();
     emphasizeTitle();
     alignAtLeadingEdge(*m_ui->titleField);
@@ -63,11 +70,23 @@ void ArchivePickerPane::emphasizeTitle()
     setMinimumWidth(fontMetrics().averageCharWidth() * kLeastCharacters);
 }
 
+void ArchivePickerPane::restoreFrame()
+{
+    m_hasFrame = window_frames::restore(*this, frameName());
+}
+
+void ArchivePickerPane::saveFrame() const
+{
+    window_frames::save(*this, frameName());
+}
+
 void ArchivePickerPane::sizeToFit()
 {
     ensurePolished();
     const QSize hint = layout()->totalSizeHint();
-    resize(std::max(hint.width(), kUsualCharacters * fontMetrics().averageCharWidth()), hint.height());
+    const int usual = std::max(hint.width(), kUsualCharacters * fontMetrics().averageCharWidth());
+    if (!isMaximized())
+        resize(m_hasFrame ? width() : usual, hint.height());
     layout()->invalidate(); // a window that is not on screen is laid out only when it must be
     layout()->activate();
     m_pickerViewController->resizeToRows();
@@ -83,8 +102,20 @@ void ArchivePickerPane::fitTable(int height)
     const int others = layout()->totalSizeHint().height() - least;
     const int fitting = std::clamp(height, least, std::max(least, roomForTable(others)));
     table.setMaximumHeight(QWIDGETSIZE_MAX);
-    resize(std::max(width(), layout()->totalSizeHint().width()), others + fitting);
+    if (!isMaximized())
+        growTo(others + fitting);
     layout()->activate();
+}
+
+/// A window that has its place is moved up where it would leave the screen.
+void ArchivePickerPane::growTo(int height)
+{
+    resize(std::max(width(), layout()->totalSizeHint().width()), height);
+    const QRect available = screen()->availableGeometry();
+    const int tooLow = frameGeometry().bottom() - available.bottom();
+    const int room = frameGeometry().top() - available.top();
+    if (m_hasFrame && tooLow > 0 && room > 0) // not by move(), which would count a frame that is not there yet
+        setGeometry(geometry().translated(0, -std::min(tooLow, room)));
 }
 
 int ArchivePickerPane::roomForTable(int others) const
@@ -95,7 +126,8 @@ int ArchivePickerPane::roomForTable(int others) const
 
 void ArchivePickerPane::showEvent(QShowEvent* event)
 {
-    m_pickerViewController->viewWillAppear();
+    if (!event->spontaneous()) // and not when it was only out of sight
+        m_pickerViewController->viewWillAppear();
     QDialog::showEvent(event);
 }
 

@@ -33,6 +33,9 @@ public:
     [[nodiscard]] Ui::ArchivePickerPane& outlets() noexcept { return *m_ui; }
     [[nodiscard]] ArchivePickerViewController& pickerViewController() noexcept { return *m_pickerViewController; }
 
+    /// Gives the window, which is not on screen yet, the place and the width of the one that was closed last.
+    void restoreFrame();
+    void saveFrame() const; ///< For those to come.
     /// Gives the window, which is not on screen yet, the size that it will have there.
     void sizeToFit();
 
@@ -44,10 +47,12 @@ private:
     [[nodiscard]] ArchivePickerViewController::RowViews takeRowViews();
     void emphasizeTitle();
     void fitTable(int height);
+    void growTo(int height);
     [[nodiscard]] int roomForTable(int others) const;
 
     std::unique_ptr<Ui::ArchivePickerPane> m_ui;
     std::unique_ptr<ArchivePickerViewController> m_pickerViewController;
+    bool m_hasFrame = false; // that of an earlier one
 };
 
 } // namespace havrel

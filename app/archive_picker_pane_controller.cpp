@@ -73,10 +73,11 @@ void ArchivePickerPaneController::forgetRunningPickers()
 void ArchivePickerPaneController::connectControls()
 {
     const Ui::ArchivePickerPane& outlets = m_window->outlets();
-    connect(outlets.actionButton, &QPushButton::clicked, this, [this] { performArchiveAction(); });
+    const auto choose = [this] { runAtWall([this] { performArchiveAction(); }); };
+    connect(outlets.actionButton, &QPushButton::clicked, this, choose);
+    connect(outlets.tableView, &QAbstractItemView::doubleClicked, this, choose);
     connect(outlets.cancelButton, &QPushButton::clicked, this, [this] { cancel(); });
-    connect(outlets.otherButton, &QPushButton::clicked, this, [this] { otherArchive(); });
-    connect(outlets.tableView, &QAbstractItemView::doubleClicked, this, [this] { performArchiveAction(); });
+    connect(outlets.otherButton, &QPushButton::clicked, this, [this] { runAtWall([this] { otherArchive(); }); });
     connect(m_window.get(), &QDialog::finished, this, [this] { windowWillClose(); });
 }
 
@@ -103,6 +104,7 @@ void ArchivePickerPaneController::runWithArchivesForItems(const QByteArrayList& 
     populateWithArchivesForItems(itemPaths);
     actionButton().setEnabled(pickerViewController().choices());
     pickerViewController().selectFirstArchive();
+    m_window->restoreFrame();
     m_window->sizeToFit(); // so that it comes up where there is room for it
     m_window->show();
     m_window->raise();
@@ -155,11 +157,16 @@ void ArchivePickerPaneController::otherArchive()
 {
     auto* panel = new ArchiveOpenPanel(*m_window, pickerViewController().selectedArchive());
     connect(panel, &ArchiveOpenPanel::chosen, this, [this](const QUrl& archive) {
-        const auto self = shared_from_this();
-        performActionWithArchive(archive);
-        onMainQueue([self] { self->m_window->close(); });
+        runAtWall([this, &archive] { performActionThenClose(archive); });
     });
     panel->open();
+}
+
+void ArchivePickerPaneController::performActionThenClose(const QUrl& archive)
+{
+    const auto self = shared_from_this();
+    performActionWithArchive(archive);
+    onMainQueue([self] { self->m_window->close(); });
 }
 
 void ArchivePickerPaneController::performActionWithArchive(const QUrl& archive)
@@ -170,6 +177,7 @@ void ArchivePickerPaneController::performActionWithArchive(const QUrl& archive)
 
 void ArchivePickerPaneController::windowWillClose()
 {
+    m_window->saveFrame();
     onMainQueue([self = shared_from_this()] { running().erase(self); });
 }
 

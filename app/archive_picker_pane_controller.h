@@ -88,6 +88,7 @@ private:
     [[nodiscard]] static Running& running();
     [[nodiscard]] static std::shared_ptr<const Archives> archivesForItems(const QByteArrayList& itemPaths);
     void connectControls();
+    void performActionThenClose(const QUrl& archive);
 
     QString m_prompt;
     QString m_actionTitle;

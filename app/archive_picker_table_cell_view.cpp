@@ -12,9 +12,9 @@ ArchivePickerTableCellView::ArchivePickerTableCellView(QWidget* parent)
 {
 }
 
-QWidget* ArchivePickerTableCellView::hitTest(const QPoint& point)
+QWidget* ArchivePickerTableCellView::hitTest(const QPoint& /*point*/)
 {
-    return rect().contains(point) ? this : nullptr;
+    return this;
 }
 
 ItemField* ArchivePickerTableCellView::field() const

@@ -18,7 +18,7 @@ class ArchivePickerTableCellView : public QWidget
 public:
     explicit ArchivePickerTableCellView(QWidget* parent = nullptr);
 
-    /// This view for every point in it, none outside; never a view in it. \selector hitTest:
+    /// This view, whatever the point; never a view in it. \selector hitTest:
     [[nodiscard]] QWidget* hitTest(const QPoint& point);
     /// Its first view, which shows the archive; null while it has none.
     [[nodiscard]] ItemField* field() const;

@@ -36,8 +36,12 @@ void dress(QWidget& view, const QStyleOptionViewItem& option)
     view.setPalette(palette);
 }
 
+/// At the edges only: some styles tint the whole rectangle, the text with it.
 void drawFocus(QPainter& painter, const QStyleOptionViewItem& option, const QWidget& table)
 {
+    constexpr int kEdge = 1;
+    const QRegion inside(option.rect.adjusted(kEdge, kEdge, -kEdge, -kEdge));
+    painter.setClipRegion(QRegion(option.rect) - inside, Qt::IntersectClip);
     QStyleOptionFocusRect focus;
     focus.QStyleOption::operator=(option);
     focus.state |= QStyle::State_KeyboardFocusChange | QStyle::State_Item;
@@ -66,12 +70,13 @@ void ArchiveRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
         cell->field()->setHighlighted(isSelected);
     if (isSelected)
         painter->fillRect(option.rect, view->palette().color(QPalette::Highlight));
-    if (option.state.testFlag(QStyle::State_HasFocus))
-        drawFocus(*painter, option, m_table); // below the texts, because some styles tint all of it
     view->resize(option.rect.size());
     painter->save();
     painter->translate(option.rect.topLeft());
     view->render(painter, {}, {}, QWidget::DrawChildren);
+    painter->translate(-option.rect.topLeft());
+    if (option.state.testFlag(QStyle::State_HasFocus))
+        drawFocus(*painter, option, m_table);
     painter->restore();
 }
 

@@ -13,6 +13,7 @@ namespace {
 constexpr int kImagePartMargin = 6; // pixels that the part is wider than the image
 constexpr int kImageOffset = 4;     // pixels from the edge to the image
 constexpr int kVerticalMargin = 3;  // pixels above and below what is highest
+constexpr int kTextMargin = 2;      // pixels that any text cell keeps free before and after its text
 
 /// Half of \p difference, rounded up, also where it is negative.
 int halfRoundedUp(int difference)
@@ -58,7 +59,8 @@ void IconAndNameCell::drawInteriorWithFrame(QPainter& painter, const QRect& fram
     const Qt::Alignment side = view.isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft;
     const int direction = m_text.isRightToLeft() ? Qt::TextForceRightToLeft : Qt::TextForceLeftToRight;
     const int flags = static_cast<int>(side | Qt::AlignAbsolute | Qt::AlignVCenter) | direction | Qt::TextSingleLine;
-    painter.drawText(places.text, flags, view.fontMetrics().elidedText(m_text, Qt::ElideMiddle, places.text.width()));
+    const QRect text = places.text.adjusted(kTextMargin, 0, -kTextMargin, 0);
+    painter.drawText(text, flags, view.fontMetrics().elidedText(m_text, Qt::ElideMiddle, text.width()));
 }
 
 QSize IconAndNameCell::cellSize(const QWidget& view) const
@@ -66,7 +68,7 @@ QSize IconAndNameCell::cellSize(const QWidget& view) const
     const QSize image = cellImage().isNull() ? QSize(0, 0) : imageSize(view) + QSize(kImagePartMargin, 0);
     const QFontMetrics metrics = view.fontMetrics();
     const int height = std::max(imageSize(view).height(), metrics.height());
-    return {image.width() + metrics.horizontalAdvance(m_text), height + 2 * kVerticalMargin};
+    return {image.width() + metrics.horizontalAdvance(m_text) + 2 * kTextMargin, height + 2 * kVerticalMargin};
 }
 
 QSize IconAndNameCell::imageSize(const QWidget& view)

@@ -5,6 +5,7 @@
 #include "app/archive_picker_pane.h"
 #include "tests/app/archive_picker_fixture.h"
 
+#include <QDir>
 #include <QLabel>
 #include <QPushButton>
 
@@ -269,6 +270,17 @@ TEST_F(ArchivePickerPaneController, NeedsNoActionBlock)
     EXPECT_FALSE(m_picker->window().isVisible());
 }
 
+TEST_F(ArchivePickerPaneController, LogsAnActionThatFailsAndStaysOpen)
+{
+    run({"/a.zephra"});
+    m_picker->setActionBlock([](const QUrl&) { throw std::runtime_error("no luck"); });
+    m_picker->actionButton().click();
+    chooseOther("Work.zephra");
+    QCoreApplication::sendPostedEvents();
+    EXPECT_TRUE(m_picker->window().isVisible());
+    EXPECT_EQ(logged().filter(QStringLiteral("no luck")).size(), 2);
+}
+
 TEST_F(ArchivePickerPaneController, LeavesNoWindowBehindAtTheEnd)
 {
     run({"/a.zephra"});
@@ -292,6 +304,25 @@ TEST_F(ArchivePickerPaneController, OffersAnyOtherArchiveInADialogOnItsWindow)
     EXPECT_EQ(panel->nameFilters(), QStringList{QStringLiteral("Archives (*.zephra)")});
     EXPECT_FALSE(panel->testOption(QFileDialog::DontResolveSymlinks));
     EXPECT_TRUE(panel->isVisible());
+}
+
+TEST_F(ArchivePickerPaneController, LooksForOthersBesideTheSelectedArchiveOrAtHome)
+{
+    m_tree.add("home/");
+    m_tree.add("archives/a.zephra");
+    const EnvironmentValue home("HOME", m_tree.bytes("home"));
+    const std::pair<QByteArrayList, QByteArray> rows[] = {
+        {{m_tree.bytes("archives/a.zephra")}, m_tree.bytes("archives")},
+        {{m_tree.bytes("archives/gone.zephra")}, m_tree.bytes("archives")},
+        {{m_tree.bytes("gone/a.zephra")}, m_tree.bytes("home")},
+        {{}, m_tree.bytes("home")}, // nothing is selected
+    };
+    for (const auto& [archives, folder] : rows) {
+        m_picker = havrel::ArchivePickerPaneController::makePickerPane();
+        run(archives);
+        m_picker->otherArchive();
+        EXPECT_EQ(openPanel()->directory().path(), QString::fromLocal8Bit(folder));
+    }
 }
 
 TEST_F(ArchivePickerPaneController, DoesTheActionWithAnotherArchiveAndClosesSoon)

@@ -80,6 +80,16 @@ TEST_F(ArchivePickerPane, ChoosesByDoubleClick)
     EXPECT_EQ(m_chosen, QList<QUrl>{QUrl(QStringLiteral("file:///x/Laptop.zephra"))}) << "once";
 }
 
+TEST_F(ArchivePickerPane, IsNotChosenFromByOtherButtons)
+{
+    for (const auto button : {Qt::RightButton, Qt::MiddleButton}) {
+        QTest::mouseClick(list().viewport(), button, {}, centreOf(4));
+        QTest::mouseDClick(list().viewport(), button, {}, centreOf(4));
+    }
+    EXPECT_TRUE(m_chosen.isEmpty());
+    EXPECT_TRUE(window().isVisible());
+}
+
 TEST_F(ArchivePickerPane, IsNotMovedByClicksOnHeaders)
 {
     for (const int header : {0, 3}) {
@@ -157,6 +167,16 @@ TEST_F(ArchivePickerPane, OpensTheDialogForOthersByItsButton)
     EXPECT_TRUE(openPanel()->isVisible());
 }
 
+TEST_F(ArchivePickerPane, KeepsTheKeysOfItsButtonsWhateverTheItemIsCalled)
+{
+    m_picker = havrel::ArchivePickerPaneController::makePickerPane();
+    m_picker->setPrompt(QStringLiteral("Capture \"&A & &B\" to:"));
+    run({"/a"});
+    QApplication::setActiveWindow(&window());
+    QTest::keyClick(&list(), Qt::Key_A, Qt::AltModifier); // "Other Archive..."
+    EXPECT_TRUE(QTest::qWaitFor([this] { return openPanel() != nullptr; })) << "the button shows that it is pressed";
+}
+
 TEST_F(ArchivePickerPane, IsAsHighAsItsRows)
 {
     QCoreApplication::sendPostedEvents();
@@ -209,6 +229,62 @@ TEST_F(ArchivePickerPane, CanBeMadeLargerAndSmaller)
     EXPECT_EQ(list().height(), before - 100);
     window().resize(window().width(), window().height() + 150);
     EXPECT_EQ(list().height(), before + 50);
+}
+
+TEST_F(ArchivePickerPane, KeepsItsSizeWhenItComesBackIntoSight)
+{
+    runWith(100);
+    const QSize smaller = window().size() - QSize(0, 100);
+    window().resize(smaller);
+    QShowEvent event; // as the system says it of a window that was minimized
+    QSpontaneKeyEvent::setSpontaneous(&event);
+    QCoreApplication::instance()->notify(&window(), &event);
+    QCoreApplication::sendPostedEvents();
+    EXPECT_EQ(window().size(), smaller);
+}
+
+TEST_F(ArchivePickerPane, ComesUpWhereTheLastOneWasAndAsWide)
+{
+    const QRect last(60, 40, window().width() + 37, window().height());
+    window().setGeometry(last);
+    m_picker->cancel();
+    runWith(5);
+    EXPECT_EQ(window().geometry().topLeft(), last.topLeft());
+    EXPECT_EQ(window().width(), last.width());
+    EXPECT_EQ(list().height(), m_picker->pickerViewController().heightConstraint()->constant()) << "that of its rows";
+    EXPECT_GT(window().height(), last.height());
+}
+
+TEST_F(ArchivePickerPane, ComesUpOnTheScreenWhenItIsHigherThanTheLastOne)
+{
+    runWith(0);
+    const QRect available = window().screen()->availableGeometry();
+    window().setGeometry(50, available.bottom() - window().height() - 10, window().width(), window().height());
+    m_picker->cancel();
+    runWith(20);
+    EXPECT_LE(window().frameGeometry().bottom(), available.bottom());
+    EXPECT_GE(window().frameGeometry().top(), available.top());
+    EXPECT_EQ(window().geometry().left(), 50);
+}
+
+TEST_F(ArchivePickerPane, ComesUpAsideOfOthers)
+{
+    m_picker->cancel();
+    runWith(1);
+    const auto other = m_picker;
+    runWith(1);
+    EXPECT_NE(window().pos(), other->window().pos());
+}
+
+TEST_F(ArchivePickerPane, FillsTheScreenAsTheLastOneDid)
+{
+    window().setWindowState(Qt::WindowMaximized);
+    const QSize size = window().size();
+    m_picker->cancel();
+    runWith(2);
+    EXPECT_TRUE(window().isMaximized());
+    EXPECT_EQ(window().size(), size);
+    EXPECT_GT(list().height(), m_picker->pickerViewController().heightConstraint()->constant());
 }
 
 TEST_F(ArchivePickerPane, CutsAPromptThatIsTooLongAndShowsAllOfItInItsToolTip)
@@ -270,6 +346,23 @@ TEST_F(ArchivePickerPane, MarksTheSelectedRowInEveryPaletteAndDirection)
         EXPECT_EQ(picture.pixelColor(selected.topLeft() + QPoint(1, 1)), QColor(10, 20, 200));
         EXPECT_EQ(picture.pixelColor(selected.topRight() + QPoint(-1, 1)), QColor(10, 20, 200));
         EXPECT_EQ(picture.pixelColor(other.topLeft() + QPoint(1, 1)), QColor(30, 30, 30));
+    }
+}
+
+TEST_F(ArchivePickerPane, MarksTheRowWithTheKeyboardAtItsEdgesOnly)
+{
+    QPalette palette = window().palette();
+    palette.setColor(QPalette::Highlight, QColor(10, 20, 200));
+    window().setPalette(palette);
+    ASSERT_EQ(QApplication::focusWidget(), &list());
+    const QRect row = list().visualRect(list().model()->index(1, 0)).adjusted(1, 1, -1, -1);
+    const QImage picture = list().viewport()->grab().toImage();
+    const QImage beforeText = picture.copy(row.left(), row.top(), 10, row.height());
+    const QImage afterText = picture.copy(row.right() - 50, row.top(), 50, row.height());
+    for (const QImage& each : {beforeText, afterText}) {
+        QImage plain = each;
+        plain.fill(QColor(10, 20, 200));
+        EXPECT_EQ(each.convertToFormat(QImage::Format_RGB32), plain.convertToFormat(QImage::Format_RGB32));
     }
 }
 

@@ -118,7 +118,9 @@ TEST_F(ArchivePickerViewController, LeavesOutWhatHasNoPath)
     const QList<QVariantMap> odd{QVariantMap{},
                                  QVariantMap{{QStringLiteral("path"), QVariant()}},
                                  QVariantMap{{QStringLiteral("path"), 7}},
-                                 QVariantMap{{QStringLiteral("path"), QByteArray()}}};
+                                 QVariantMap{{QStringLiteral("path"), QByteArray()}},
+                                 QVariantMap{{QStringLiteral("path"), QByteArray("relative.zephra")}},
+                                 QVariantMap{{QStringLiteral("path"), QByteArray("/a\0b", 4)}}};
     m_controller.addArchiveInfo(odd, kRecent);
     EXPECT_FALSE(m_controller.choices()) << "a header alone is no choice";
     m_controller.addArchiveInfo(odd + archivesAt({"/a"}), kRecent);

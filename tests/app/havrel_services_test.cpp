@@ -184,6 +184,15 @@ TEST_F(HavrelServices, OpenTheArchiveInTheClientAtTheItems)
     EXPECT_EQ(m_terminated, 0);
 }
 
+TEST_F(HavrelServices, NameAnArchiveToTheClientByItsBytes)
+{
+    m_components.tell(archivesAt({"/x/b\xff d%.zephra"}));
+    services().revealInArchive(listOf({"file:///a"}));
+    picker()->performArchiveAction(); // the first one is selected
+    ASSERT_EQ(m_applications.opened.size(), 1);
+    EXPECT_EQ(m_applications.opened[0].uris, QByteArrayList{"file:///x/b%FF%20d%25.zephra"});
+}
+
 TEST_F(HavrelServices, LogAClientThatCannotOpenTheArchive)
 {
     m_components.tell({});

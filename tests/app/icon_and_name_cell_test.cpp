@@ -156,7 +156,7 @@ TEST_F(IconAndNameCell, CutsTheMiddleOfATextThatIsTooLong)
     cell.setObjectValue(QString(QStringLiteral("H")).repeated(500));
     const QImage image = drawn(cell);
     EXPECT_EQ(inkOf(image, image.rect()), inkOf(image, m_frame));
-    EXPECT_FALSE(inkOf(image, {m_frame.right() - 12, m_frame.top(), 12, m_frame.height()}).isNull());
+    EXPECT_FALSE(inkOf(image, {m_frame.right() - 24, m_frame.top(), 24, m_frame.height()}).isNull());
 }
 
 TEST_F(IconAndNameCell, IsAsHighAsItsTextsAndImages)
