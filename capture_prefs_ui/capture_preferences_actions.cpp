@@ -96,12 +96,12 @@ void CapturePreferencesController::setOnPrefs(OptionRange range,
     updateViewAndMakeDirty();
 }
 
-CaptureOption CapturePreferencesController::optionOfButton(const QAbstractButton& button)
+CaptureOption CapturePreferencesController::optionOfButton(QAbstractButton& button)
 {
-    return static_cast<CaptureOption>(window().optionButtons().id(const_cast<QAbstractButton*>(&button)));
+    return static_cast<CaptureOption>(window().optionButtons().id(&button));
 }
 
-void CapturePreferencesController::setOption(const QAbstractButton& sender)
+void CapturePreferencesController::setOption(QAbstractButton& sender)
 {
     for (FileCapturePreferences& each : m_loaded.prefs.all())
         each.option = optionOfButton(sender);

@@ -77,7 +77,7 @@ public:
     /// \return no when something could not be written.
     bool commitEditingAndWrite();
 
-    void setOption(const QAbstractButton& sender);            ///< \selector setOption:
+    void setOption(QAbstractButton& sender);                  ///< \selector setOption:
     void setAllArchives(const MixedCheckBox& sender);         ///< \selector setAllArchives:
     void setIgnoreDuration(const DurationField& sender);      ///< empty: 0. \selector setIgnoreDuration:
     void setIgnoreScale(const QComboBox& sender);             ///< \selector setIgnoreScale:
@@ -105,7 +105,7 @@ public:
     void windowWillClose(); ///< \selector windowWillClose:
 
     /// The option that a button of the window stands for. \selector optionOfButton:
-    [[nodiscard]] CaptureOption optionOfButton(const QAbstractButton& button);
+    [[nodiscard]] CaptureOption optionOfButton(QAbstractButton& button);
     /// Those whose option lies in the range. \selector prefsForOptions:
     [[nodiscard]] PreferencesPtrs prefsForOptions(OptionRange range);
     /// \selector buttonStateForOption:

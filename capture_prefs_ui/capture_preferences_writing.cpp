@@ -143,7 +143,7 @@ void CapturePreferencesController::noteWritten(std::size_t index,
 
 void CapturePreferencesController::reportFailure(std::size_t index, const QString& reason)
 {
-    m_failure = reason;
+    m_failure = item_texts::notWritten(m_loaded, index, reason);
     m_alerts.beginSheet(item_texts::writeAlert(*m_loaded.paths[index], reason), window(), {});
 }
 

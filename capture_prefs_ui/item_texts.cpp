@@ -32,14 +32,14 @@ QString files(qsizetype count)
 }
 
 /// Names come from files and may hold what looks like a place marker: all are put in at once.
-QString namesOf(const QList<RefusedItem>& refused)
+QString namesOf(const QUrl& firstItem, const QUrl& lastItem, qsizetype count)
 {
-    const QString first = displayNameOf(refused.first().url);
-    if (refused.size() == 1)
+    const QString first = displayNameOf(firstItem);
+    if (count == 1)
         return Texts::tr("'%1'").arg(first);
-    if (refused.size() == 2)
-        return Texts::tr("'%1' and '%2'").arg(first, displayNameOf(refused.last().url));
-    return Texts::tr("'%1' and %2 other items").arg(first, QString::number(refused.size() - 1));
+    if (count == 2)
+        return Texts::tr("'%1' and '%2'").arg(first, displayNameOf(lastItem));
+    return Texts::tr("'%1' and %2 other items").arg(first, QString::number(count - 1));
 }
 
 /// The name of one item, the number of several.
@@ -121,10 +121,20 @@ QString note(const LoadedItems& loaded, const ForeignChanges& foreign, const Wri
     return {};
 }
 
+QString notWritten(const LoadedItems& loaded, std::size_t first, const QString& reason)
+{
+    if (loaded.items.size() == 1)
+        return reason;
+    const auto place = static_cast<qsizetype>(first);
+    const QString names = namesOf(loaded.items[place], loaded.items.last(), loaded.items.size() - place);
+    return names + QStringLiteral(": ") + reason;
+}
+
 Alert permissionAlert(const QList<RefusedItem>& refused)
 {
     return {.style = AlertStyle::Informational,
-            .messageText = Texts::tr("%1 cannot be modifed").arg(namesOf(refused)),
+            .messageText =
+                Texts::tr("%1 cannot be modifed").arg(namesOf(refused.first().url, refused.last().url, refused.size())),
             .informativeText = reasonsFor(refused)};
 }
 

@@ -30,6 +30,10 @@ namespace item_texts {
 /// What the quiet line has to say of items that are saved, the most urgent alone; empty when there is nothing more.
 [[nodiscard]] QString note(const LoadedItems& loaded, const ForeignChanges& foreign, const WrittenItems& written);
 
+/// What was not written in a pass that \p reason stopped at the item at place \p first: that one, and those after it.
+/// Only the reason when there is but one item.
+[[nodiscard]] QString notWritten(const LoadedItems& loaded, std::size_t first, const QString& reason);
+
 /// That the \p refused items, at least one, may not be edited, and why; by their display names.
 [[nodiscard]] Alert permissionAlert(const QList<RefusedItem>& refused);
 /// That the item at \p path could not be written, and why.

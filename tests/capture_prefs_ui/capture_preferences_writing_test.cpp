@@ -323,7 +323,7 @@ TEST_F(CapturePreferencesWriting, StopsAtTheFirstItemThatFails)
     EXPECT_EQ(stored("file").option, CaptureOption::Exclude);
     EXPECT_EQ(stored("last").option, CaptureOption::Normal);
     EXPECT_FALSE(m_controller.dirty());
-    EXPECT_EQ(statusLine().text(), QStringLiteral("Not saved: No such file or directory"));
+    EXPECT_EQ(statusLine().text(), QStringLiteral("Not saved: 'folder' and 'last': No such file or directory"));
     m_controller.window().close();
     EXPECT_EQ(m_alerts.shown.size(), 1U) << "nothing counts as changed any more";
 }
