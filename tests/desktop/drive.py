@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Chooses a command from the menu of a file manager, and compares what arrives with what was selected, or edits in the
-window that comes.
+"""Chooses commands from the menu of a file manager, and compares what arrives with what was selected, or works in the
+windows that come.
 
 usage: drive.py WAY WHAT FOLDER     inside of a message bus of its own; see file_manager_test.py
 """
@@ -10,16 +10,17 @@ import re
 import sys
 import urllib.parse
 
+from archive_window import capture_in_window, make_archive, reveal_in_window
 from desktop_session import Atspi, Focus, Session, TookTooLong, centre, find, press, until
 from preferences_window import edit_in_window
 
 MENU = "Havrel"
-TITLE = "Capture Preferences..."
+CAPTURE, REVEAL, TITLE = "Capture to Archive...", "Reveal in Archive...", "Capture Preferences..."
 WORDS = [b"captureprefs", b"edit"]
 MENU_ITEM = {Atspi.Role.MENU_ITEM}
 
 # What shows that the folder is there.
-FIRST = {"names": "plain.txt", "many": "item 00000", "window": "Projects"}
+FIRST = {"names": "plain.txt", "many": "item 00000", "window": "Projects", "archives": "Projects"}
 
 PROGRAMS = {
     "caja": ["caja", "--no-desktop", "--browser"],
@@ -67,10 +68,18 @@ def open_menu_of_many(session, folder, _first):
     session.key_tool("key", "shift+F10")
 
 
+def is_selected(name):
+    return status().startswith(f'"{name}" selected')
+
+
 def open_menu_of_first(session, folder, first):
-    """Of the first item in the folder, by keys: the icons of Nemo do not say where they are."""
-    select(session, folder, "Home")
-    until(lambda: status().startswith(f'"{first}" selected'), "the selection")
+    """Of the first item in the folder, by keys: the icons of Nemo do not say where they are. It may be selected from the
+    time before."""
+    if is_selected(first):
+        give_keyboard(session, folder)
+    else:
+        select(session, folder, "Home")
+        until(lambda: is_selected(first), "the selection")
     session.key_tool("key", "shift+F10")
 
 
@@ -112,16 +121,23 @@ def open_menu_of_item(session, _folder, first):
     click(session, first, button="3")
 
 
-def choose_by_mouse(session):
+def choose_by_mouse(session, title):
     click(session, MENU)
-    until(lambda: place_of(TITLE), "the menu to open")
+    until(lambda: place_of(title), "the menu to open")
     session.take_picture("menu")
-    click(session, TITLE)
+    click(session, title)
 
 
-def choose(session):
+def choose_by_click(session, title):
+    """Where the command is in no submenu. The menu is closed then, and gives the keyboard away."""
+    until(lambda: place_of(title), "the menu to open")
+    session.take_picture("menu")
+    click(session, title)
+
+
+def choose(session, title):
     """The command from the menu, which is on the accessibility bus."""
-    item = until(lambda: find(TITLE, MENU_ITEM), "the command in the menu")
+    item = until(lambda: find(title, MENU_ITEM), "the command in the menu")
     session.take_picture("menu")
     press(item)
 
@@ -133,17 +149,17 @@ def walk_to(session, focus, title):
     raise TookTooLong(f"{title!r} in the menu")
 
 
-def choose_by_walking(session):
+def choose_by_walking(session, title):
     """Up to the submenu, into it, and up to the command."""
     focus = Focus()
     walk_to(session, focus, MENU)
     focus.after_key(session, "Right")
-    walk_to(session, focus, TITLE)
+    walk_to(session, focus, title)
     session.take_picture("menu")
     session.key_tool("key", "Return")
 
 
-def choose_by_keys(session):
+def choose_by_keys(session, _title):
     """The command is the last of the last menu but one; keys wait in the server until the file manager takes them."""
     session.key_tool("key", "Up", "Up", "Right", "Up", "Return")
 
@@ -174,34 +190,53 @@ def compare(record, folder):
     print(f"{len(arrived)} of {len(selected)} items arrived, every name exact")
 
 
-# How the menu is opened, and how the command is chosen from it.
+# How the menu is opened, and how a command is chosen from it.
 BY_KEYS = (open_menu_of_all, choose)
 BY_MOUSE = (open_menu_of_item, choose_by_mouse)
+WINDOWS = {
+    "caja": BY_MOUSE,
+    "nemo-actions": (open_menu_of_first, choose_by_click),
+    "pcmanfm-qt": (open_menu_of_item_in_pcmanfm_qt, choose_by_walking),
+    "thunar-actions": BY_MOUSE,
+}
 HANDS = {
     ("caja", "many"): (open_menu_of_many, choose_by_keys),
-    ("caja", "window"): BY_MOUSE,
     ("nemo-actions", "many"): (open_menu_of_many, choose),
-    ("nemo-actions", "window"): (open_menu_of_first, choose),
     ("pcmanfm-qt", "names"): (open_menu_of_all_in_pcmanfm_qt, choose_by_walking),
-    ("pcmanfm-qt", "window"): (open_menu_of_item_in_pcmanfm_qt, choose_by_walking),
-    ("thunar-actions", "window"): BY_MOUSE,
+    **{(way, what): hands for way, hands in WINDOWS.items() for what in ("window", "archives")},
 }
+
+
+def drive(session, way, what, folder):
+    open_menu, choose_command = HANDS.get((way, what), BY_KEYS)
+    item = os.path.join(folder, FIRST[what])
+
+    def choose_from_menu(title):
+        open_menu(session, folder, FIRST[what])
+        choose_command(session, title)
+
+    if what == "archives":
+        choose_from_menu(CAPTURE)
+        capture_in_window(session, item)
+        choose_from_menu(REVEAL)
+        reveal_in_window(session, item)
+        return
+    choose_from_menu(TITLE)
+    if what == "window":
+        edit_in_window(session, item)
+    else:
+        compare(until(recorded, "the program to be started", 200), folder)
 
 
 def main():
     way, what, folder = sys.argv[1:]
-    first = FIRST[what]
     with Session() as session:
+        if what == "archives":
+            make_archive(os.path.join(folder, FIRST[what]))
         session.start([*PROGRAMS[way], folder])
         try:
-            until(lambda: find(first), "the file manager to show the folder")
-            open_menu, choose_command = HANDS.get((way, what), BY_KEYS)
-            open_menu(session, folder, first)
-            choose_command(session)
-            if what == "window":
-                edit_in_window(session, os.path.join(folder, first))
-            else:
-                compare(until(recorded, "the program to be started", 200), folder)
+            until(lambda: find(FIRST[what]), "the file manager to show the folder")
+            drive(session, way, what, folder)
         except TookTooLong as failure:
             session.take_picture("failure")
             sys.exit(f"waited in vain for {failure}")

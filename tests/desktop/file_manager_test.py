@@ -2,12 +2,14 @@
 # SPDX-License-Identifier: MIT
 """Installs the product into a scratch folder and chooses a command from the menu of a real file manager.
 
-usage: file_manager_test.py WAY BUILD_FOLDER [names|many|window]
+usage: file_manager_test.py WAY BUILD_FOLDER [names|many|window|archives]
 
 names:  the items with difficult names arrive exactly, at a stand-in for the program that writes down what it gets
 many:   a selection of 20,000 items arrives whole, at the same stand-in
 window: the preferences window appears, what is chosen in it is on the item when it was closed. With HAVREL_PICTURES
         naming a folder, pictures of the menu and of the window are left there.
+archives: the window in which one chooses an archive appears for both other commands: what is captured comes back from the
+        archive, and what is revealed arrives at a stand-in for the client application
 
 Runs as an ordinary user, on an X server, a message bus and an accessibility bus of its own. Answers 77 where packages
 are missing; `scripts/setup desktop` installs them.
@@ -45,6 +47,8 @@ ITEMS = {
     "many": [b"item %05d" % number for number in range(20000)],
     "window": [b"Projects", b"accounts.ods", b"letter.odt", b"notes.txt"],
 }
+ITEMS["archives"] = ITEMS["window"]
+WINDOWS = {"window", "archives"}  # with the real product, of which the others only see what it is called with
 
 
 def is_installed(package):
@@ -54,7 +58,7 @@ def is_installed(package):
 
 def what_is_missing(way):
     programs, packages, _folders = WAYS[way]
-    missing = [name for name in programs + TOOLS if not shutil.which(name)]
+    missing = [name for name in [*programs, *TOOLS, "restic"] if not shutil.which(name)]
     return missing + [name for name in packages + PACKAGES if not is_installed(name)]
 
 
@@ -73,7 +77,7 @@ def make_items(folder, what):
 def install(way, build, what, scratch, environment):
     prefix = scratch / "prefix"
     subprocess.run(["cmake", "--install", build, "--prefix", prefix], check=True, stdout=subprocess.DEVNULL)
-    if what == "window" or way == "thunar-actions":  # as a person does
+    if what in WINDOWS or way == "thunar-actions":  # as a person does
         subprocess.run([prefix / "bin/havrel", "integrations", "add", MANAGERS[way]], check=True, env=environment)
     else:
         for folder in WAYS[way][2]:
@@ -92,7 +96,7 @@ def prepare_thunar(config):
 
 def environment_for(scratch, what):
     """The real product is found in its own prefix; entries that only call the stand-in are copied to the user's."""
-    if what == "window":
+    if what in WINDOWS:
         programs, data = scratch / "prefix/bin", f"{scratch}/prefix/share:"
     else:
         programs, data = scratch / "stand_in", ""
@@ -129,9 +133,23 @@ def add_stand_in(folder):
     (folder / "havrel").chmod(0o755)
 
 
+def add_client(scratch):
+    """A stand-in for the client application, which the bus starts."""
+    programs = scratch / "client"
+    programs.mkdir()
+    for name in ("plain_bus.py", "stand_in_client.py"):
+        shutil.copy(HERE.parent / "components" / name, programs)
+    services = scratch / "data/dbus-1/services"
+    services.mkdir(parents=True)
+    (services / "com.havrel.client.service").write_text(
+        "[D-BUS Service]\nName=com.havrel.client\n"
+        f"Exec=/usr/bin/python3 {programs}/stand_in_client.py {scratch}/home/opened.json\n")
+
+
 def run(way, build, what, scratch):
     environment = environment_for(scratch, what)
     add_stand_in(scratch / "stand_in")
+    add_client(scratch)
     install(way, build, what, scratch, environment)
     prepare_thunar(scratch / "config")
     make_items(scratch / "items", what)
