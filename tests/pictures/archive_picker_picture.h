@@ -12,17 +12,38 @@
 
 namespace havrel::tests {
 
-/// The archive picker with archives of the tree, or with none.
-inline QPixmap archivePickerPicture(const TemporaryTree& tree, bool hasArchives)
+/// What the picker lists in a picture.
+struct PicturedArchives
+{
+    QByteArrayList ofItems;
+    QByteArrayList recent;
+};
+
+inline PicturedArchives fewArchives(const TemporaryTree& tree)
+{
+    return {.ofItems = {tree.bytes("Archives/Home.zephra"), tree.bytes("Archives/Work.zephra")},
+            .recent = {tree.bytes("Archives/Laptop.zephra"), "/media/disk/Photos 2019.zephra"}};
+}
+
+/// More than the screen has room for.
+inline PicturedArchives manyArchives(const TemporaryTree& tree)
+{
+    PicturedArchives many{.ofItems = {tree.bytes("Archives/Home.zephra")}, .recent = {}};
+    for (int year = 1990; year < 2030; ++year) {
+        const std::string entry = "Archives/Year " + std::to_string(year) + ".zephra";
+        tree.add(entry);
+        many.recent << tree.bytes(entry);
+    }
+    return many;
+}
+
+/// The archive picker with these archives.
+inline QPixmap archivePickerPicture(const PicturedArchives& archives)
 {
     ArchivePickerPane pane;
     auto& list = pane.pickerViewController();
-    if (hasArchives) {
-        list.addArchiveInfo(archivesAt({tree.bytes("Archives/Home.zephra"), tree.bytes("Archives/Work.zephra")}),
-                            QStringLiteral("recent"));
-        list.addArchiveInfo(archivesAt({tree.bytes("Archives/Laptop.zephra"), "/media/disk/Photos 2019.zephra"}),
-                            QStringLiteral("other"));
-    }
+    list.addArchiveInfo(archivesAt(archives.ofItems), QStringLiteral("recent"));
+    list.addArchiveInfo(archivesAt(archives.recent), QStringLiteral("other"));
     auto& action = *pane.findChild<QPushButton*>(QStringLiteral("actionButton"));
     pane.findChild<QLabel*>(QStringLiteral("titleField"))
         ->setText(QCoreApplication::translate("havrel::HavrelServices", "Capture \"%1\" to:")

@@ -3,6 +3,7 @@
 // each way of showing windows (language, direction, palette, scale, font).
 //
 // usage: window_pictures [--dark] [--rtl] [--font POINTS] [--language CODE] FOLDER SUFFIX [STATE...]
+#include "app/service_application_delegate.h"
 #include "capture_prefs_ui/alert.h"
 #include "capture_prefs_ui/capture_preferences_controller.h"
 #include "capture_prefs_ui/capture_preferences_window.h"
@@ -14,6 +15,7 @@
 #include "fs/path.h"
 #include "tests/pictures/archive_picker_picture.h"
 #include "tests/support/fake_timers.h"
+#include "tests/support/recording_applications.h"
 #include "tests/support/temporary_tree.h"
 
 #include <QAbstractButton>
@@ -25,6 +27,7 @@
 #include <QPainter>
 #include <QStyleFactory>
 #include <QTest>
+#include <QTimer>
 #include <QTranslator>
 
 #include <cstdio>
@@ -203,9 +206,24 @@ bool take(const Picture& picture, const TemporaryTree& tree, const QString& file
     return pictureOf(controller.window()).save(file);
 }
 
-bool takePicker(bool hasArchives, const TemporaryTree& tree, const QString& file)
+/// The alert about a component that cannot be reached.
+bool takeConnectionAlert(const TemporaryTree& /*tree*/, const QString& file)
 {
-    return archivePickerPicture(tree, hasArchives).save(file);
+    WidgetAlertPresenter alerts;
+    RecordingApplications applications;
+    FakeTimers timers;
+    bool isTaken = false;
+    QTimer::singleShot(0, [&] { // in the loop of the alert
+        QWidget* alert = QApplication::activeModalWidget();
+        isTaken = alert && alert->grab().save(file) && alert->close();
+    });
+    ServiceApplicationDelegate({.alerts = alerts,
+                                .applications = applications,
+                                .timers = timers,
+                                .registerServices = [] {},
+                                .terminate = [] {}})
+        .noMonitorAlert();
+    return isTaken;
 }
 
 /// Every picture by its name, and what takes it.
@@ -217,8 +235,16 @@ Takers takers()
     for (const Picture& each : pictures())
         all.emplace_back(QLatin1String(each.name),
                          [&each](const auto& tree, const auto& file) { return take(each, tree, file); });
-    all.emplace_back(QStringLiteral("picker"), std::bind_front(takePicker, true));
-    all.emplace_back(QStringLiteral("picker-none"), std::bind_front(takePicker, false));
+    using Listed = std::function<PicturedArchives(const TemporaryTree& tree)>;
+    const auto addPicker = [&all](const char* name, const Listed& listed) {
+        all.emplace_back(QLatin1String(name), [listed](const auto& tree, const auto& file) {
+            return archivePickerPicture(listed(tree)).save(file);
+        });
+    };
+    addPicker("picker", fewArchives);
+    addPicker("picker-many", manyArchives);
+    addPicker("picker-none", [](const auto&) { return PicturedArchives(); });
+    all.emplace_back(QStringLiteral("no-monitor"), takeConnectionAlert);
     return all;
 }
 
@@ -257,7 +283,8 @@ int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    havrel::VisibleIndicators::install(); // as the service does
+    havrel::VisibleIndicators::install();           // as the service does
+    QIcon::setThemeName(QStringLiteral("hicolor")); // as without a desktop
     QCommandLineParser options;
     options.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("where the pictures go"));
     options.addPositionalArgument(QStringLiteral("suffix"), QStringLiteral("of the names of the pictures"));
