@@ -42,6 +42,7 @@ ItemCalls systemItemCalls()
         .mknodat = ::mknodat,
         .utimensat = ::utimensat,
         .fchownat = ::fchownat,
+        .inodeFlags = [](int item, int* flags) { return ::ioctl(item, FS_IOC_GETFLAGS, flags); },
         .clone = [](int to, int from) { return ::ioctl(to, FICLONE, from); },
         .copyFileRange =
             [](int from, off_t* fromOffset, int to, off_t* toOffset, std::size_t size) {
@@ -58,8 +59,8 @@ ItemCalls systemItemCalls()
 
 ItemCalls& itemCalls()
 {
-    static ItemCalls calls = systemItemCalls();
-    return calls;
+    static auto& s_calls = *new ItemCalls(systemItemCalls()); // NOLINT(cppcoreguidelines-owning-memory)
+    return s_calls;
 }
 
 } // namespace havrel::platform

@@ -40,6 +40,8 @@ struct ItemCalls
     std::function<int(int folder, const char* name, const struct timespec times[2], int flags)> utimensat;
     std::function<int(int folder, const char* name, uid_t owner, gid_t group, int flags)> fchownat;
 
+    /// ioctl(2) with FS_IOC_GETFLAGS.
+    std::function<int(int item, int* flags)> inodeFlags;
     /// ioctl(2) with FICLONE.
     std::function<int(int to, int from)> clone;
     /// From and to given offsets, as many bytes as the kernel likes up to \p size.
@@ -52,7 +54,8 @@ struct ItemCalls
     std::function<int(const char* path, const char* name, const void* value, std::size_t size, int flags)> setxattr;
 };
 
-/// The calls in use; the system's own until a test replaces them.
+/// The calls in use; the system's own until a test replaces them. There to the very end, because threads may wait for
+/// one of them until then.
 [[nodiscard]] ItemCalls& itemCalls();
 
 /// The system's own calls.

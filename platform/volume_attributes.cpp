@@ -15,7 +15,6 @@
 
 #include <fcntl.h>
 #include <linux/fs.h>
-#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 
@@ -112,7 +111,7 @@ void askForJournal(const FileSystem& fileSystem, const FileSystemType& type, Vol
 void askForCase(int folder, CapabilityWord& format)
 {
     int flags = 0;
-    if (::ioctl(folder, FS_IOC_GETFLAGS, &flags) == 0)
+    if (itemCalls().inodeFlags(folder, &flags) == 0)
         settle(format, VOL_CAP_FMT_CASE_SENSITIVE, (flags & FS_CASEFOLD_FL) == 0);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Volumes on file systems that the tests mount, which needs root.
 #include "diagnostics/exception.h"
+#include "foundation/archiving.h"
 #include "fs/directory.h"
 #include "fs/path.h"
 #include "fs/volume_info.h"
@@ -389,6 +390,8 @@ TEST_F(VolumeInMemory, AtAPlaceOfAnyBytes)
     EXPECT_EQ(volume->cName(), QByteArray::fromStdString(name));
     EXPECT_TRUE(mountedAt(JNVolumeInfo::allVolumes(), m_tree.bytes(name)));
     EXPECT_EQ(volume->rootDirectory()->cPath(), m_tree.bytes(name));
+    const QByteArray archive = dataForRootObject(QVariant::fromValue(volume));
+    EXPECT_EQ(archivedObject(archive).value<JNVolumeInfoPtr>()->cPath(), m_tree.bytes(name));
     EXPECT_EQ(volume->relativePathOfPath(*JNPath::withCPath(m_tree.bytes(name + "/\xFE"))), QString(QChar(0xDCFE)));
 }
 

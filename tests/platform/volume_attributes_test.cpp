@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <utility>
 
+#include <linux/fs.h>
 #include <sys/sysmacros.h>
 #include <sys/vfs.h>
 
@@ -107,6 +108,32 @@ TEST(VolumeAttributes, AreKnownAsFarAsTheRootMayBeRead)
     EXPECT_EQ(askForAttributes(unread, attributes), 0);
     EXPECT_EQ(attributes.capabilities.interface.valid & VOL_CAP_INT_CLONE, 0U) << "xfs could not be asked";
     EXPECT_NE(attributes.capabilities.interface.valid & VOL_CAP_INT_RENAME_SWAP, 0U) << "the type settles that";
+}
+
+TEST(VolumeAttributes, TellWhetherCaseCountsInTheRootWhereFoldersDiffer)
+{
+    const TemporaryTree tree;
+    ReplacedItemCalls calls;
+    int answer = 0;
+    calls->inodeFlags = [&](int, int* flags) {
+        *flags = FS_CASEFOLD_FL | FS_NODUMP_FL;
+        return answer;
+    };
+    const auto countsCase = [&](const char* type) {
+        FileSystem asked = fileSystem(type);
+        asked.mountPoint = QByteArray::fromStdString(tree.root());
+        VolumeAttributes attributes;
+        EXPECT_EQ(askForAttributes(asked, attributes), 0);
+        EXPECT_TRUE(isKnown(attributes, VOL_CAP_FMT_CASE_SENSITIVE));
+        EXPECT_TRUE(hasFormat(attributes, VOL_CAP_FMT_CASE_PRESERVING));
+        return hasFormat(attributes, VOL_CAP_FMT_CASE_SENSITIVE);
+    };
+    EXPECT_FALSE(countsCase("ext4"));
+    EXPECT_FALSE(countsCase("f2fs"));
+    EXPECT_FALSE(countsCase("tmpfs"));
+    EXPECT_TRUE(countsCase("btrfs")) << "whose folders are all the same";
+    answer = -1;
+    EXPECT_TRUE(countsCase("ext4")) << "it cannot be asked";
 }
 
 TEST(VolumeAttributes, HaveNoTimeWhereNoneIsKept)

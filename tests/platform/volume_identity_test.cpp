@@ -2,13 +2,10 @@
 #include "platform/volume_identity.h"
 
 #include "platform/blkid_library.h"
+#include "tests/support/file_system_image.h"
 #include "tests/support/temporary_tree.h"
 
-#include <QProcess>
-
 #include <gtest/gtest.h>
-
-#include <filesystem>
 
 namespace havrel::platform {
 namespace {
@@ -57,20 +54,31 @@ TEST(DeviceLink, IsNoneWhereNothingLeadsToTheDevice)
 
 TEST(DeviceTags, AreReadFromAnImage)
 {
-    const TemporaryTree tree({"image"});
-    std::filesystem::resize_file(tree.path("image"), 4 << 20);
-    if (QProcess::execute(QStringLiteral("/sbin/mkfs.ext4"),
-                          {QStringLiteral("-q"),
+    const TemporaryTree tree;
+    const QStringList make{QStringLiteral("mkfs.ext4"),
+                           QStringLiteral("-q"),
                            QStringLiteral("-F"),
                            QStringLiteral("-L"),
                            QStringLiteral("a label"),
                            QStringLiteral("-U"),
-                           QStringLiteral("01234567-89ab-cdef-0123-456789abcdef"),
-                           QString::fromStdString(tree.path("image"))}) != 0)
+                           QStringLiteral("01234567-89ab-cdef-0123-456789abcdef")};
+    if (!tests::makeImage(tree, "image", make, 4 << 20))
         GTEST_SKIP() << "mkfs.ext4 is not installed";
     const DeviceTags tags = tagsOfDevice(tree.bytes("image"));
     EXPECT_EQ(tags.uuid, "01234567-89ab-cdef-0123-456789abcdef");
     EXPECT_EQ(tags.label, "a label");
+}
+
+TEST(DeviceTags, OfFatHaveNoUUID)
+{
+    const TemporaryTree tree;
+    if (!tests::makeImage(
+            tree, "image", {QStringLiteral("mkfs.vfat"), QStringLiteral("-n"), QStringLiteral("STICK")}, 4 << 20))
+        GTEST_SKIP() << "mkfs.vfat is not installed";
+    const DeviceTags tags = tagsOfDevice(tree.bytes("image"));
+    EXPECT_EQ(tags.uuid.size(), 9);
+    EXPECT_FALSE(parseVolumeUUID(tags.uuid));
+    EXPECT_EQ(tags.label, "STICK");
 }
 
 TEST(DeviceTags, AreNoneOfWhatIsNoFileSystem)
