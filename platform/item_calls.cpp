@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
@@ -37,6 +38,7 @@ ItemCalls systemItemCalls()
         .fstatat = ::fstatat,
         .unlinkat = ::unlinkat,
         .mkdirat = ::mkdirat,
+        .getdents64 = ::getdents64,
         .symlinkat = ::symlinkat,
         .linkat = ::linkat,
         .mknodat = ::mknodat,

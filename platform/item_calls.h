@@ -33,6 +33,7 @@ struct ItemCalls
     std::function<int(int folder, const char* name, struct stat* status, int flags)> fstatat;
     std::function<int(int folder, const char* name, int flags)> unlinkat;
     std::function<int(int folder, const char* name, mode_t mode)> mkdirat;
+    std::function<ssize_t(int folder, void* buffer, std::size_t size)> getdents64;
     std::function<int(const char* contents, int folder, const char* name)> symlinkat;
     std::function<int(int fromFolder, const char* from, int toFolder, const char* to, int flags)> linkat;
     std::function<int(int folder, const char* name, mode_t mode, dev_t device)> mknodat;

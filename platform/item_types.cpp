@@ -43,4 +43,13 @@ int probeType(const QByteArray& path, ItemType& type)
     return 0;
 }
 
+int probeType(int descriptor, ItemType& type)
+{
+    struct stat status;
+    if (::fstat(descriptor, &status) != 0)
+        return errno;
+    type = typeOfMode(status.st_mode);
+    return 0;
+}
+
 } // namespace havrel::platform

@@ -31,5 +31,7 @@ enum class ItemType : std::int8_t {
 ///
 /// Threads: any thread.
 [[nodiscard]] int probeType(const QByteArray& path, ItemType& type);
+/// The same for an open item, also one opened with O_PATH.
+[[nodiscard]] int probeType(int descriptor, ItemType& type);
 
 } // namespace havrel::platform

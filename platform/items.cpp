@@ -170,6 +170,18 @@ std::int64_t pathLimit(const QByteArray& path, PathLimit limit)
     return isGuess && holdsLongFiles(path) ? kFileSizeBits : value;
 }
 
+OwnedDescriptor openFolder(const QByteArray& path)
+{
+    if (!namesAnItem(path))
+        return {};
+    return OwnedDescriptor(itemCalls().openat(AT_FDCWD, path.constData(), O_RDONLY | O_NOFOLLOW | O_DIRECTORY, 0));
+}
+
+int createFolder(const QByteArray& path, mode_t mode)
+{
+    return namesAnItem(path) ? answer(itemCalls().mkdirat(AT_FDCWD, path.constData(), mode)) : EINVAL;
+}
+
 int unmountVolume(const QByteArray& mountPoint, bool forcibly)
 {
     return namesAnItem(mountPoint) ? answer(itemCalls().umount2(mountPoint.constData(), forcibly ? MNT_FORCE : 0))

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/owned_descriptor.h"
+
 #include <QByteArray>
 
 #include <cstdint>
 #include <optional>
+
+#include <sys/types.h>
 
 /// Single calls on one item. All may block on the disk; none follows a link at the end of a path unless it says so.
 /// A path with a NUL byte inside names no item: EINVAL. Answers 0 or an errno value where it answers an int.
@@ -44,6 +48,13 @@ namespace havrel::platform {
 [[nodiscard]] bool isMountPoint(const QByteArray& path);
 [[nodiscard]] bool isMountPoint(int folder);
 [[nodiscard]] bool isMountPoint(int parent, const char* name);
+
+/// Opens the folder itself for listing; closed when it cannot be, or is no folder.
+/// \source open(2), O_DIRECTORY, O_NOFOLLOW
+[[nodiscard]] OwnedDescriptor openFolder(const QByteArray& path);
+
+/// Makes a folder with \p mode as the process's mask leaves it. \source mkdir(2)
+[[nodiscard]] int createFolder(const QByteArray& path, mode_t mode);
 
 /// Unmounts what is mounted on \p mountPoint; \p forcibly also while it is in use, where the file system can.
 /// \source umount2(2), MNT_FORCE

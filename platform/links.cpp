@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/links.h"
 
+#include "platform/item_calls.h"
+
 #include <array>
 #include <cerrno>
 #include <climits>
@@ -29,6 +31,25 @@ std::optional<QByteArray> targetOfLink(const QByteArray& path)
     if (length < 0)
         return std::nullopt;
     return QByteArray(buffer.data(), length);
+}
+
+int readLink(const QByteArray& path, qsizetype longest, QByteArray& target)
+{
+    if (path.contains('\0'))
+        return EINVAL;
+    QByteArray read(longest, Qt::Uninitialized);
+    const ssize_t length = itemCalls().readlink(path.constData(), read.data(), static_cast<std::size_t>(longest));
+    if (length < 0)
+        return errno;
+    target = read.first(length);
+    return 0;
+}
+
+int makeLink(const QByteArray& path, const QByteArray& target)
+{
+    if (path.contains('\0') || target.contains('\0'))
+        return EINVAL;
+    return itemCalls().symlinkat(target.constData(), AT_FDCWD, path.constData()) == 0 ? 0 : errno;
 }
 
 int retargetLink(const QByteArray& path, const QByteArray& target)

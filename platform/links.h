@@ -14,6 +14,21 @@ namespace havrel::platform {
 /// Threads: any thread.
 [[nodiscard]] std::optional<QByteArray> targetOfLink(const QByteArray& path);
 
+/// Reads what the link at \p path says, at most \p longest bytes of it. \return 0 or an errno value, and then \p target
+/// is unchanged: EINVAL for what is no link, and for a path with a NUL byte inside.
+///
+/// \source readlink(2)
+///
+/// Threads: any thread.
+[[nodiscard]] int readLink(const QByteArray& path, qsizetype longest, QByteArray& target);
+
+/// Makes a link at \p path, where nothing may be. \return 0 or an errno value: EINVAL for bytes with a NUL inside.
+///
+/// \source symlink(2)
+///
+/// Threads: any thread.
+[[nodiscard]] int makeLink(const QByteArray& path, const QByteArray& target);
+
 /// Gives the link at \p path another target. Owner and times stay; the inode does not, because Linux cannot change a
 /// link. For links that nobody else changes meanwhile.
 ///
