@@ -1,24 +1,28 @@
 // SPDX-License-Identifier: MIT
 #include "fs/directory.h"
 
-#include "fs/path.h"
-#include "fs/volume_info.h"
+#include "diagnostics/exception.h"
+#include "fs/sub_path.h"
+#include "platform/file_names.h"
 #include "platform/items.h"
+#include "platform/random.h"
 
+#include <cerrno>
 #include <utility>
 
 namespace havrel {
 
-JNDirectory::JNDirectory(Token token, std::shared_ptr<JNPath> pathObject)
-    : JNFileInfo(token, ItemType::Directory, std::move(pathObject))
-{
-}
-
 std::shared_ptr<JNDirectory> JNDirectory::withPathObject(const std::shared_ptr<JNPath>& pathObject)
 {
-    const JNPathPtr own = pathObject->directoryInfo() ? pathObject->copy() : pathObject;
-    auto directory = std::make_shared<JNDirectory>(Token(), own);
-    own->setDirectoryInfo(directory);
+    auto directory = std::make_shared<JNDirectory>(Token(), ItemType::Directory, pathObject);
+    directory->standFor(pathObject);
+    return directory;
+}
+
+std::shared_ptr<JNDirectory> JNDirectory::withBatchAttr(const Entry& entry, const std::shared_ptr<JNPath>& parentPath)
+{
+    auto directory = std::make_shared<JNDirectory>(Token(), entry, parentPath);
+    directory->pathObject()->setDirectoryInfo(directory);
     return directory;
 }
 
@@ -33,32 +37,66 @@ std::shared_ptr<JNDirectory> JNDirectory::asDirectory()
     return std::static_pointer_cast<JNDirectory>(shared_from_this());
 }
 
-bool JNDirectory::isMountPoint() const
+void JNDirectory::standFor(const std::shared_ptr<JNPath>& pathObject)
 {
-    return platform::isMountPoint(cPath());
+    if (pathObject->registerDirectoryInfo(asDirectory()))
+        return;
+    const JNPathPtr own = pathObject->copy();
+    own->setDirectoryInfo(asDirectory());
+    JNFileInfo::setPathObject(own);
 }
 
-std::shared_ptr<JNVolumeInfo> JNDirectory::volumeInfo()
+void JNDirectory::setPathObject(const std::shared_ptr<JNPath>& pathObject)
 {
-    const MutexLock lock(m_volumeLock);
-    if (auto owner = m_circularVolInfo.lock())
-        return owner;
-    if (!m_volumeInfo)
-        m_volumeInfo = findVolume();
-    return m_volumeInfo;
+    const JNPathPtr old = this->pathObject();
+    if (old->directoryInfo() == asDirectory())
+        old->setDirectoryInfo(nullptr);
+    JNFileInfo::setPathObject(pathObject);
+    standFor(pathObject);
+    flushDirectoryContents();
 }
 
-void JNDirectory::setVolumeInfo(const std::shared_ptr<JNVolumeInfo>& volumeInfo)
+std::shared_ptr<JNPath> JNDirectory::pathForCName(const QByteArray& name) const
 {
-    const MutexLock lock(m_volumeLock);
-    m_circularVolInfo = volumeInfo;
-    m_volumeInfo.reset();
+    return JNSubPath::withCName(name, pathObject());
 }
 
-std::shared_ptr<JNVolumeInfo> JNDirectory::findVolume() const
+std::shared_ptr<JNPath> JNDirectory::pathForName(const QString& name) const
 {
-    const auto parent = livingParent();
-    return parent && !isMountPoint() ? parent->volumeInfo() : JNVolumeInfo::withPath(cPath());
+    return pathForCName(platform::bytesOfFileName(name));
+}
+
+bool JNDirectory::containsFile(const JNFileInfo& info) const
+{
+    return info.cPath().startsWith(cPath() + '/');
+}
+
+std::shared_ptr<JNDirectory> JNDirectory::createSubdirectoryWithName(const QString& name, mode_t mode)
+{
+    const JNPathPtr path = pathForName(name);
+    if (const int error = platform::createFolder(path->cPath(), mode); error != 0) {
+        HVException::ioErrno(error, QStringLiteral("could not create directory"))
+            .setPathObject(*path)
+            .setDecimalDetail(mode, QStringLiteral("mode"))
+            .raise();
+    }
+    return path->directory();
+}
+
+std::shared_ptr<JNDirectory>
+JNDirectory::createUniqueSubdirectoryWithPrefix(const QString& prefix, const QString& extension, mode_t mode)
+{
+    for (;;) {
+        QString name = prefix + u'.' + QStringLiteral("%1").arg(platform::random32(), 8, 16, QLatin1Char('0'));
+        if (!extension.isNull())
+            name += u'.' + extension;
+        try {
+            return createSubdirectoryWithName(name, mode);
+        } catch (const HVException& failure) {
+            if (failure.detail(detail_key::kPOSIXErr) != QVariant(EEXIST))
+                throw;
+        }
+    }
 }
 
 } // namespace havrel

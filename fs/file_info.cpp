@@ -2,31 +2,40 @@
 #include "fs/file_info.h"
 
 #include "diagnostics/exception.h"
-#include "diagnostics/logr.h"
-#include "foundation/error.h"
 #include "fs/directory.h"
 #include "fs/nonexistent_file.h"
 #include "fs/path.h"
+#include "fs/pending_release.h"
 #include "fs/sub_path.h"
-#include "fs/volume_info.h"
-#include "platform/items.h"
+#include "fs/symbolic_link.h"
+#include "platform/folder_entries.h"
+#include "platform/item_types.h"
 
 #include <cerrno>
+#include <cstring>
 #include <utility>
 
 namespace havrel {
 namespace {
 
 /// The kind of the item; none when there is no item.
-std::optional<ItemType> probe(const JNPath& path)
+std::optional<ItemType> probe(int descriptor, const JNPath& path)
 {
     ItemType type = ItemType::None;
-    const int error = platform::probeType(path.cPath(), type);
+    const int error = descriptor >= 0 ? platform::probeType(descriptor, type) : platform::probeType(path.cPath(), type);
     if (error == ENOENT || error == ENOTDIR)
         return std::nullopt;
     if (error != 0)
         HVException::ioErrno(error, QStringLiteral("failed to probe object vtype")).setPathObject(path).raise();
     return type;
+}
+
+std::unique_ptr<char[]> copyOf(const char* name) // NOLINT(modernize-avoid-c-arrays)
+{
+    const std::size_t size = std::strlen(name) + 1;
+    auto copy = std::make_unique_for_overwrite<char[]>(size); // NOLINT(modernize-avoid-c-arrays)
+    std::memcpy(copy.get(), name, size);
+    return copy;
 }
 
 } // namespace
@@ -37,12 +46,26 @@ JNFileInfo::JNFileInfo(Token /*token*/, ItemType type, std::shared_ptr<JNPath> p
 {
 }
 
-JNFileInfo::~JNFileInfo() = default;
+JNFileInfo::JNFileInfo(Token /*token*/, const Entry& entry, std::shared_ptr<JNPath> parentPath)
+    : m_pathObj(std::move(parentPath))
+    , m_entryName(copyOf(entry.name))
+    , m_vtype(entry.type)
+{
+    if (entry.status != nullptr) {
+        m_attrs = *entry.status;
+        m_flags = HasAttributes;
+    }
+}
+
+JNFileInfo::~JNFileInfo()
+{
+    if (m_next)
+        releaseLater(std::move(m_next));
+}
 
 JNFileInfoPtr JNFileInfo::infoForPathObject(const std::shared_ptr<JNPath>& pathObject)
 {
-    const auto type = probe(*pathObject);
-    return type ? withType(*type, pathObject) : JNNonexistentFile::withPathObject(pathObject);
+    return infoForFile(-1, pathObject, nullptr);
 }
 
 JNFileInfoPtr JNFileInfo::infoForCPath(const QByteArray& path)
@@ -61,62 +84,67 @@ JNFileInfoPtr JNFileInfo::infoForURL(const QUrl& url)
     return path ? infoForPathObject(path) : nullptr;
 }
 
+JNFileInfoPtr
+JNFileInfo::infoForFile(int descriptor, const std::shared_ptr<JNPath>& pathObject, const JNFileInfoPtr& existing)
+{
+    const auto found = probe(descriptor, *pathObject);
+    if (existing && found.has_value() == existing->exists() && found.value_or(ItemType::None) == existing->type())
+        return existing;
+    return found ? withType(*found, pathObject) : JNNonexistentFile::withPathObject(pathObject);
+}
+
 JNFileInfoPtr JNFileInfo::withType(ItemType type, const std::shared_ptr<JNPath>& pathObject)
 {
     switch (type) {
     case ItemType::None:
     case ItemType::Bad:
         return nullptr;
+    case ItemType::RegularFile:
+        return std::make_shared<JNRegularFile>(Token(), type, pathObject);
     case ItemType::Directory:
         return JNDirectory::withPathObject(pathObject);
+    case ItemType::SymbolicLink:
+        return std::make_shared<JNSymbolicLink>(Token(), type, pathObject);
     default:
         return std::make_shared<JNFileInfo>(Token(), type, pathObject);
     }
 }
 
-QByteArray JNFileInfo::cName() const
+JNFileInfoPtr JNFileInfo::withDirEntry(const char* name, std::uint8_t kind, const std::shared_ptr<JNPath>& parentPath)
 {
-    return m_pathObj->cName();
+    return withBatchAttr({.type = platform::typeOfEntry(kind), .name = name}, parentPath);
 }
 
-QByteArray JNFileInfo::cPath() const
+JNFileInfoPtr JNFileInfo::withBatchAttr(const Entry& entry, const std::shared_ptr<JNPath>& parentPath)
 {
-    return m_pathObj->cPath();
-}
-
-QString JNFileInfo::name() const
-{
-    return m_pathObj->name();
-}
-
-QString JNFileInfo::displayName() const
-{
-    return m_pathObj->displayName();
-}
-
-QString JNFileInfo::path() const
-{
-    return m_pathObj->path();
-}
-
-QUrl JNFileInfo::url() const
-{
-    return m_pathObj->url();
-}
-
-QString JNFileInfo::extension() const
-{
-    return m_pathObj->extension();
-}
-
-std::shared_ptr<JNVolumeInfo> JNFileInfo::volumeInfo()
-{
-    return m_pathObj->volumeInfo();
+    switch (entry.type) {
+    case ItemType::None:
+    case ItemType::Bad:
+        return nullptr;
+    case ItemType::RegularFile:
+        return std::make_shared<JNRegularFile>(Token(), entry, parentPath);
+    case ItemType::Directory:
+        return JNDirectory::withBatchAttr(entry, parentPath);
+    case ItemType::SymbolicLink:
+        return std::make_shared<JNSymbolicLink>(Token(), entry, parentPath);
+    default:
+        return std::make_shared<JNFileInfo>(Token(), entry, parentPath);
+    }
 }
 
 bool JNFileInfo::isPersistentObject() const noexcept
 {
     return isRegularFile() || isDirectory() || isSymbolicLink();
+}
+
+std::shared_ptr<JNRegularFile> JNFileInfo::asRegularFile()
+{
+    return nullptr;
+}
+
+std::shared_ptr<JNSymbolicLink> JNFileInfo::asSymbolicLink()
+{
+    return nullptr;
 }
 
 std::shared_ptr<JNDirectory> JNFileInfo::asDirectory()
@@ -131,38 +159,53 @@ bool JNFileInfo::exists() const noexcept
 
 JNFileInfoPtr JNFileInfo::reevaluateType()
 {
-    const auto found = probe(*m_pathObj);
-    if (found.has_value() == exists() && found.value_or(ItemType::None) == m_vtype)
-        return shared_from_this();
-    return found ? withType(*found, m_pathObj) : JNNonexistentFile::withPathObject(m_pathObj);
+    return infoForFile(-1, pathObject(), shared_from_this());
 }
 
-std::shared_ptr<JNDirectory> JNFileInfo::livingParent() const
+JNFileInfoPtr JNFileInfo::hardened()
 {
-    const auto subPath = std::dynamic_pointer_cast<JNSubPath>(m_pathObj);
-    return subPath ? subPath->parentPath()->directoryInfo() : nullptr;
-}
-
-std::optional<std::uint64_t> JNFileInfo::volumeIdentifier() const
-{
-    const auto device = platform::deviceId(cPath());
-    if (!device) {
-        const int error = platform::findName(cPath());
-        auto problem = HVException::error(
-            Error::posix(error), exception_name::kIO, QStringLiteral("problem obtaining volumeIdentifier attribute"));
-        Logr::logException(LogClassification::Debug, nullptr, problem.setFileInfo(*this));
-    }
-    return device;
+    const JNPathPtr path = pathObject();
+    const JNPathPtr hard = path->hardenedReal();
+    return hard == path ? shared_from_this() : infoForPathObject(hard);
 }
 
 bool JNFileInfo::isEqual(const JNFileInfo& other) const
 {
-    return m_pathObj->isEqual(*other.m_pathObj);
+    return this == &other || cPath() == other.cPath();
 }
 
-QString JNFileInfo::description() const
+std::shared_ptr<JNDirectory> JNFileInfo::livingParent() const
 {
-    return path();
+    JNPathPtr parent;
+    {
+        const MutexLock lock(m_attrLock);
+        if (m_entryName)
+            parent = m_pathObj;
+        else if (const auto subPath = std::dynamic_pointer_cast<JNSubPath>(m_pathObj))
+            parent = subPath->parentPath();
+    }
+    return parent ? parent->directoryInfo() : nullptr;
+}
+
+std::shared_ptr<JNDirectory> JNFileInfo::parentDirectoryInfo() const
+{
+    if (auto parent = livingParent())
+        return parent;
+    const JNPathPtr path = pathObject();
+    const JNPathPtr parent = path->parent();
+    return parent->isEqual(*path) ? nullptr : parent->directory(); // "/" and "." are their own
+}
+
+JNFileInfoPtr JNFileInfo::nextObj() const
+{
+    const MutexLock lock(m_attrLock);
+    return m_next;
+}
+
+void JNFileInfo::setNext(JNFileInfoPtr next)
+{
+    const MutexLock lock(m_attrLock);
+    m_next.swap(next);
 }
 
 } // namespace havrel

@@ -5,7 +5,8 @@
 
 namespace havrel {
 
-/// What is known of a path at which nothing is: that, and the path. Its type is None.
+/// What is known of a path at which nothing is: that, and the path. Its type is None, its attributes are all 0, and
+/// setting them does nothing.
 ///
 /// Threads: any thread.
 class JNNonexistentFile final : public JNFileInfo
@@ -18,6 +19,13 @@ public:
     [[nodiscard]] bool exists() const noexcept override; ///< false. \selector exists
     /// Null. \selector volumeInfo
     [[nodiscard]] std::shared_ptr<JNVolumeInfo> volumeInfo() override;
+    [[nodiscard]] std::uint32_t linkCount() const override; ///< 0. \selector linkCount
+    /// That of the folder that the path's directory information was listed in; 0 without one. \selector deviceID
+    [[nodiscard]] std::uint64_t deviceID() const override;
+
+protected:
+    /// Does nothing. \selector getCommonAttrs
+    [[nodiscard]] int getCommonAttrs() const override HAVREL_REQUIRES(m_attrLock);
 };
 
 } // namespace havrel

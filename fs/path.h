@@ -2,6 +2,7 @@
 #pragma once
 
 #include "foundation/thread_annotations.h"
+#include "fs/abstract_path.h"
 
 #include <QByteArray>
 #include <QMetaType>
@@ -41,7 +42,7 @@ enum class Cloning { No, Yes };
 /// Operations on items throw HVException "IO" with the path attached and leave this object as it is.
 ///
 /// Threads: any thread.
-class JNPath : public std::enable_shared_from_this<JNPath>
+class JNPath : public JNAbstractPath, public std::enable_shared_from_this<JNPath>
 {
 protected:
     struct Token
@@ -51,7 +52,7 @@ protected:
 
 public:
     JNPath(Token token, QByteArray name, QByteArray path);
-    virtual ~JNPath();
+    ~JNPath() override;
     JNPath(const JNPath&) = delete;
     JNPath& operator=(const JNPath&) = delete;
     JNPath(JNPath&&) = delete;
@@ -97,19 +98,19 @@ public:
     [[nodiscard]] virtual JNPathPtr copy() const;
 
     /// The whole path. \selector cPath
-    [[nodiscard]] QByteArray cPath() const HAVREL_EXCLUDES(m_pathLock);
+    [[nodiscard]] QByteArray cPath() const override HAVREL_EXCLUDES(m_pathLock);
     /// The last component, as basename(3) has it: trailing slashes ignored, "/" for the root, "." for "".
     /// \selector cName
-    [[nodiscard]] const QByteArray& cName() const noexcept { return m_cName; }
-    [[nodiscard]] QString name() const HAVREL_EXCLUDES(m_pathLock); ///< cName() as text. \selector name
-    [[nodiscard]] QString path() const HAVREL_EXCLUDES(m_pathLock); ///< cPath() as text. \selector path
+    [[nodiscard]] const QByteArray& cName() const noexcept override { return m_cName; }
+    [[nodiscard]] QString name() const override HAVREL_EXCLUDES(m_pathLock); ///< cName() as text. \selector name
+    [[nodiscard]] QString path() const override HAVREL_EXCLUDES(m_pathLock); ///< cPath() as text. \selector path
     /// The file URL, other bytes than the plain ones of URLs percent-encoded. \selector url
-    [[nodiscard]] QUrl url() const HAVREL_EXCLUDES(m_pathLock);
+    [[nodiscard]] QUrl url() const override HAVREL_EXCLUDES(m_pathLock);
     /// What follows the last "." of the name, unless that is its first character. \selector extension
-    [[nodiscard]] QString extension() const;
+    [[nodiscard]] QString extension() const override;
     /// The name for people, which is name(); a missing item is logged at Debug. Looks at the disk.
     /// \selector displayName
-    [[nodiscard]] QString displayName() const;
+    [[nodiscard]] QString displayName() const override;
     /// The folder, as dirname(3) has it: "/" for the root, "." for a name alone. \selector parent
     [[nodiscard]] virtual JNPathPtr parent() const;
     /// Forgets the URL; the next url() makes it anew. \selector flushInfo
@@ -155,6 +156,8 @@ public:
     [[nodiscard]] std::shared_ptr<JNDirectory> directoryInfo() const HAVREL_EXCLUDES(m_pathLock);
     /// \selector setDirectoryInfo:
     void setDirectoryInfo(const std::shared_ptr<JNDirectory>& info) HAVREL_EXCLUDES(m_pathLock);
+    /// The same unless another one stands for this path. \return whether \p info does now.
+    [[nodiscard]] bool registerDirectoryInfo(const std::shared_ptr<JNDirectory>& info) HAVREL_EXCLUDES(m_pathLock);
     /// The volume that the item lies on. \throws HVException "IO" "problem getting volume statfs"
     /// \selector volumeInfo
     [[nodiscard]] std::shared_ptr<JNVolumeInfo> volumeInfo() const;

@@ -31,6 +31,15 @@ void JNPath::setDirectoryInfo(const std::shared_ptr<JNDirectory>& info)
     m_directory = info;
 }
 
+bool JNPath::registerDirectoryInfo(const std::shared_ptr<JNDirectory>& info)
+{
+    const MutexLock lock(m_pathLock);
+    if (const auto other = m_directory.lock(); other && other != info)
+        return false;
+    m_directory = info;
+    return true;
+}
+
 std::shared_ptr<JNVolumeInfo> JNPath::volumeInfo() const
 {
     if (const auto info = directoryInfo())
