@@ -161,12 +161,13 @@ def process_of(peer, name):
     return peer.call_bus("GetConnectionUnixProcessID", "s", name)[0]
 
 
-def capture_meanwhile(folder, happens):
-    """What happens while a capture is under way, and the client waits for it."""
+def capture_meanwhile(peer, folder, happens):
+    """What happens while a capture is under way, and the client waits for it, knowing which one it is."""
     hold = Hold(folder)
     client = subprocess.Popen([HAVREL, "capture", "--to", folder / "a.zephra", folder / "items"],
                               stderr=subprocess.PIPE, text=True)
     hold.wait_until_reached()
+    peer.serve(lambda: not unrest_of(client.pid))
     happens(hold)
     _, errors = client.communicate(timeout=60)
     return client.returncode, errors
@@ -194,7 +195,7 @@ def check_deaths_during_a_capture(folder):
     for name, number in (("com.havrel.Scheduler", signal.SIGKILL), ("com.havrel.Scheduler", signal.SIGTERM),
                          (SWITCHBOARD, signal.SIGKILL)):
         before = captures()
-        status, errors = capture_meanwhile(folder, end_of(name, number))
+        status, errors = capture_meanwhile(peer, folder, end_of(name, number))
         assert status == 0 and "havrel:" not in errors, (name, number, status, errors)
         assert captures() == before + 1, (name, number)
         print("a capture survives that", name, "gets", number.name)
