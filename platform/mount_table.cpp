@@ -20,7 +20,7 @@ namespace {
 constexpr const char* kMountTable = "/proc/self/mountinfo";
 constexpr const char* kUserMountTable = "/run/mount/utab";
 constexpr qsizetype kLongestUserMountTable = qsizetype{16} * 1024 * 1024;
-constexpr qsizetype kChunk = qsizetype{256} * 1024; // bytes asked for at a time: one read of most tables
+constexpr qsizetype kChunk = qsizetype{64} * 1024; // bytes asked for at a time: most tables come in one
 constexpr std::array<const char*, 2> kHidingOptions{"x-gvfs-hide", "x-gdu.hide"};
 constexpr qsizetype kEscapeLength = 4; // "\040"
 

@@ -490,6 +490,26 @@ TEST_F(JNVolumeInfoMade, HasNoRootDirectoryWhereNoDirectoryIs)
     EXPECT_EQ(volume()->relativePathOfPath(*JNPath::withCPath(m_tree.bytes("file"))), QStringLiteral(""));
 }
 
+TEST(JNVolumeInfo, SeesPathsBelowItByTheirTextAlone)
+{
+    const auto root = JNVolumeInfo::withPath("/");
+    EXPECT_EQ(root->relativePathOfPath(*JNPath::withCPath("/")), QStringLiteral(""));
+    EXPECT_EQ(root->relativePathOfPath(*JNPath::withCPath("/proc/self")), QStringLiteral("proc/self"))
+        << "although it lies on another volume";
+    EXPECT_EQ(root->relativePathOfPath(*JNPath::withCPath("relative")), QStringLiteral("relative"));
+    const auto proc = JNVolumeInfo::withPath("/proc/self");
+    EXPECT_EQ(proc->relativePathOfPath(*JNPath::withCPath("/proc/self/fd")), QStringLiteral("self/fd"));
+    EXPECT_FALSE(proc->relativePathOfPath(*JNPath::withCPath("/")));
+    EXPECT_FALSE(proc->relativePathOfPath(*JNPath::withCPath("/processes"))) << "no part of the name";
+}
+
+TEST_F(JNVolumeInfoMade, SeesNoPathThatIsOnItUpToTheRoot)
+{
+    m_stat.id = JNVolumeInfo::withPath("/")->filesystemID();
+    EXPECT_FALSE(volume()->relativePathOfPath(*JNPath::withCPath("/there is no such item")));
+    EXPECT_FALSE(volume()->relativePathOfPath(*JNPath::withCPath("/")));
+}
+
 TEST_F(JNVolumeInfoMade, IsCopiedWithAllThatItFound)
 {
     const auto made = volume();
