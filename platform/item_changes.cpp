@@ -80,7 +80,7 @@ private:
         return answer(itemCalls().utimensat(AT_FDCWD, m_path, times.data(), AT_SYMLINK_NOFOLLOW));
     }
 
-    /// Flags of other kinds than those that a user sets stay as they are.
+    /// Flags that statx does not tell stay as they are; those that only the file system sets must be as they are.
     [[nodiscard]] int writeFlags() const
     {
         struct stat found;
@@ -94,6 +94,8 @@ private:
             return errno;
         if (::ioctl(item.get(), FS_IOC_GETFLAGS, &flags) != 0)
             return errno == ENOTTY ? ENOTSUP : errno;
+        if ((m_status.fileFlags & ~kSettableFlags) != (flags & kKnownFileFlags & ~kSettableFlags))
+            return ENOTSUP;
         const unsigned wanted = (flags & ~kSettableFlags) | (m_status.fileFlags & kSettableFlags);
         return wanted == flags ? 0 : answer(::ioctl(item.get(), FS_IOC_SETFLAGS, &wanted));
     }

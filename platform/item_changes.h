@@ -18,7 +18,7 @@ class ItemStatus;
 /// \param attributes bits of platform/attribute_bits.h, of those of every item that can be set.
 /// \return 0 or an errno value: ENOTSUP, and nothing is written, for the creation and attribute-changed times and the
 ///         script, which cannot be set on this system; ENOTSUP for the mode of a link, and for flags that the file
-///         system does not keep; EPERM, EROFS ... ; EINVAL for a path with a NUL byte inside.
+///         system does not keep or sets by itself; EPERM, EROFS ... ; EINVAL for a path with a NUL byte inside.
 /// \source fchownat(2), fchmodat(2), utimensat(2), ioctl_iflags(2)
 ///
 /// Threads: any thread.

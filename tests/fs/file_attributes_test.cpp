@@ -289,6 +289,21 @@ TEST(FileAttributes, HaveFlagsThatCanBeSet)
     EXPECT_EQ(infoIn(tree, "file")->fileFlags() & kNoDumpFlag, 0U);
 }
 
+TEST(FileAttributes, HaveFlagsThatOnlyTheFileSystemSets)
+{
+    const TemporaryTree tree({"file", "folder/"});
+    ASSERT_EQ(::mkfifo(tree.path("pipe").c_str(), 0600), 0);
+    const auto refused = [&tree](const char* name, std::uint32_t flags) {
+        const auto info = infoIn(tree, name);
+        info->setFileFlags(flags);
+        return raisedBy([&] { info->setModifiedAttributes(); }).detail(detail_key::kPOSIXErr).toInt();
+    };
+    EXPECT_EQ(refused("file", kVerityFlag), ENOTSUP);
+    EXPECT_EQ(refused("folder", kEncryptedFlag), ENOTSUP);
+    EXPECT_EQ(refused("file", 1), ENOTSUP) << "a flag that is not told";
+    EXPECT_EQ(refused("pipe", kNoDumpFlag), ENOTSUP) << "and the pipe was not waited for";
+}
+
 TEST(FileAttributes, ChangeAroundAProtectionThatComesOrGoes)
 {
     const TemporaryTree tree({"file"});
