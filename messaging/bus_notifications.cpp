@@ -2,8 +2,10 @@
 #include "messaging/bus_notifications.h"
 
 #include "foundation/dispatch.h"
+#include "foundation/process.h"
 #include "messaging/bus_router.h"
 #include "messaging/buses.h"
+#include "platform/identity.h"
 #include "platform/random.h"
 
 #include <algorithm>
@@ -30,6 +32,11 @@ QByteArray quoted(const QString& text)
 QByteArray ruleFor(const QString& name)
 {
     return QByteArray("type='signal',interface='") + kInterface + "',member='" + kPosted + "',arg0=" + quoted(name);
+}
+
+bool isHeeded(uid_t user)
+{
+    return user == 0 || user == platform::identity().effectiveUser() || user == Process::userID();
 }
 
 QString newMark()
@@ -89,9 +96,11 @@ void BusNotifications::opened(BusKind kind, BusRouter& router)
 void BusNotifications::match(BusKind kind, BusRouter& router, const QString& name)
 {
     platform::BusRegistration registration; // what it replaces ends without the lock
-    const auto caught = [weak = weak_from_this()](const platform::BusSignal& signal) {
-        if (const auto self = weak.lock())
-            self->arrived(signal.values);
+    const auto caught = [weak = weak_from_this(), kind, from = router.weak_from_this()](const auto& signal) {
+        const auto self = weak.lock();
+        const auto bus = from.lock();
+        if (self && bus)
+            self->caught(kind, *bus, signal);
     };
     if (router.bus().match(ruleFor(name), caught, registration) != 0)
         return;
@@ -109,6 +118,18 @@ bool BusNotifications::isNew(const QString& mark)
         m_marks.erase(m_marks.begin());
     m_marks.push_back(mark);
     return true;
+}
+
+/// On the event thread, where the bus's answers come in order, so notifications stay in theirs.
+void BusNotifications::caught(BusKind kind, BusRouter& router, const platform::BusSignal& signal)
+{
+    if (kind == BusKind::Session)
+        return arrived(signal.values);
+    router.bus().userOf(signal.sender, [weak = weak_from_this(), values = signal.values](int error, uid_t user) {
+        const auto self = weak.lock();
+        if (self && error == 0 && isHeeded(user))
+            self->arrived(values);
+    });
 }
 
 /// A signal of any shape: whoever is on the bus may send one.

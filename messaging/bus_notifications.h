@@ -24,6 +24,9 @@ class Buses;
 /// (none or one text) and a mark that both copies of one notification share, so that it is told once. That there is no
 /// such bus is no failure.
 ///
+/// Anybody may speak on the machine's bus. What is said there counts when it comes from a process of this user, of the
+/// one whom Process has captured, or of root, which is still there when the bus is asked about it.
+///
 /// Threads: any thread.
 class BusNotifications : public std::enable_shared_from_this<BusNotifications>
 {
@@ -45,6 +48,7 @@ private:
     };
     using Match = std::pair<platform::BusKind, QString>;
 
+    void caught(platform::BusKind kind, BusRouter& router, const platform::BusSignal& signal);
     void arrived(const QVariantList& values);
     void match(platform::BusKind kind, BusRouter& router, const QString& name);
     [[nodiscard]] bool isNew(const QString& mark) HAVREL_REQUIRES(m_lock);

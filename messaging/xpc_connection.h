@@ -153,8 +153,8 @@ public:
     /// Tells every process of this user, and the services of the whole machine, this one included, that \p name has
     /// happened to \p object.
     virtual void postDistributedNotification(const QString& name, const QString& object) = 0;
-    /// Calls \p block on the main queue with the object of each such notification, whoever posts it, as long as what
-    /// is answered lives.
+    /// Calls \p block on the main queue with the object of each such notification that a process of this user or of
+    /// root posts, as long as what is answered lives.
     [[nodiscard]] virtual std::shared_ptr<void>
     addDistributedObserver(const QString& name, std::function<void(const QString& object)> block) = 0;
 

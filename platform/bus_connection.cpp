@@ -32,6 +32,28 @@ quint64 numberIn(const BusReply& reply)
     return reply.error == 0 && reply.values.size() == 1 ? reply.values.constFirst().toULongLong() : 0;
 }
 
+/// A question to the bus itself.
+BusCall
+toBus(const QByteArray& member, const BusBody& body, std::optional<std::chrono::milliseconds> limit = std::nullopt)
+{
+    return {.destination = kBus, .path = kBusPath, .interface = kBus, .member = member, .body = body, .limit = limit};
+}
+
+BusCall askingUserOf(const QByteArray& name)
+{
+    return toBus("GetConnectionUnixUser", {"s", {QString::fromUtf8(name)}});
+}
+
+/// What is no number must not be taken for root.
+int takeUser(const BusReply& reply, uid_t& user)
+{
+    if (reply.error != 0)
+        return reply.error;
+    bool isNumber = false;
+    user = reply.values.value(0).toUInt(&isNumber);
+    return isNumber ? 0 : EPROTO;
+}
+
 } // namespace
 
 BusConnection::BusConnection(BusSettings settings)
@@ -90,8 +112,7 @@ int BusConnection::serveTree(BusTree tree, BusRegistration& registration)
 
 BusReply BusConnection::askBus(const QByteArray& member, const BusBody& body, BusLimit limit)
 {
-    return callAndWait(
-        {.destination = kBus, .path = kBusPath, .interface = kBus, .member = member, .body = body, .limit = limit});
+    return callAndWait(toBus(member, body, limit));
 }
 
 int BusConnection::requestName(const QByteArray& name)
@@ -200,10 +221,16 @@ int BusConnection::watchOwner(const QByteArray& name,
 
 int BusConnection::userOf(const QByteArray& name, uid_t& user)
 {
-    const BusReply reply = askBus("GetConnectionUnixUser", {"s", {QString::fromUtf8(name)}});
-    if (reply.error == 0)
-        user = static_cast<uid_t>(numberIn(reply));
-    return reply.error;
+    return takeUser(callAndWait(askingUserOf(name)), user);
+}
+
+void BusConnection::userOf(const QByteArray& name, std::function<void(int error, uid_t user)> handler)
+{
+    call(askingUserOf(name), [handler = std::move(handler)](const BusReply& reply) {
+        uid_t user = 0;
+        const int error = takeUser(reply, user);
+        handler(error, user);
+    });
 }
 
 int BusConnection::ownerOf(const QByteArray& name, QByteArray& owner)

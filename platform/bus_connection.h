@@ -113,6 +113,9 @@ public:
     ///
     /// \return 0 or an errno value.
     [[nodiscard]] int userOf(const QByteArray& name, uid_t& user);
+    /// The same without waiting: \p handler is called once, on the event thread, with 0 and the user or an errno value
+    /// (at once and on the calling thread when the connection is not open). Answers come in the order of the questions.
+    void userOf(const QByteArray& name, std::function<void(int error, uid_t user)> handler);
 
     /// Asks the bus who owns \p name, and waits, as long as the bus is stopped too.
     ///

@@ -110,6 +110,23 @@ TEST_F(Bus, TellsTheSenderOfACallAndItsUser)
     EXPECT_NE(m_service.userOf(":1.99999", user), 0);
 }
 
+TEST_F(Bus, TellsUsersWithoutWaitingAndInTheOrderOfTheQuestions)
+{
+    Awaited<std::pair<int, uid_t>> answers;
+    const auto tell = [&answers](int error, uid_t user) { answers.tell({error, user}); };
+    m_client.call(callOf("nothing"), [&](const BusReply&) { // on the event thread, which must not wait
+        m_client.userOf(":1.99999", tell);
+        m_client.userOf(m_service.uniqueName(), tell);
+    });
+    const auto both = answers.first(2);
+    ASSERT_EQ(both.size(), 2U);
+    EXPECT_NE(both[0].first, 0);
+    EXPECT_EQ(both[1], (std::pair<int, uid_t>{0, ::geteuid()}));
+    m_client.close();
+    m_client.userOf(m_service.uniqueName(), tell);
+    EXPECT_EQ(answers.first(3).at(2).first, ENOTCONN);
+}
+
 TEST_F(Bus, KeepsTheOrderOfCallsOfEveryKind)
 {
     Awaited<QVariantList> noted;
