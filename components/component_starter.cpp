@@ -9,6 +9,7 @@
 #include "messaging/xpc_connection.h"
 
 #include <array>
+#include <optional>
 
 namespace havrel {
 namespace {
@@ -24,27 +25,33 @@ constexpr std::array kStarters{
     Starter{QLatin1StringView("com.havrel.monitor"), QLatin1StringView("com.havrel.Monitor")},
 };
 
-/// The end of a wait, which either side may outlive.
-class Gate
+/// An attempt to start a component, which whoever waits for it may give up.
+class Attempt
 {
 public:
-    void open()
+    /// The first end counts. \param problem null: there is none
+    void end(const QString& problem)
     {
         const MutexLock guard(m_lock);
-        m_isOpen = true;
+        if (!m_problem)
+            m_problem = problem;
         m_change.notifyAll();
     }
-    void pass()
+    /// Waits for the end. \return the problem
+    [[nodiscard]] QString problem(std::chrono::milliseconds limit)
     {
+        const auto deadline = std::chrono::steady_clock::now() + limit;
         const MutexLock guard(m_lock);
-        while (!m_isOpen)
-            m_change.wait(m_lock);
+        bool isInTime = true;
+        while (!m_problem && isInTime)
+            isInTime = m_change.waitUntil(m_lock, deadline);
+        return m_problem.value_or(QStringLiteral("it does not answer"));
     }
 
 private:
     Mutex m_lock;
     ConditionVariable m_change;
-    bool m_isOpen HAVREL_GUARDED_BY(m_lock) = false;
+    std::optional<QString> m_problem HAVREL_GUARDED_BY(m_lock); // none: it goes on
 };
 
 } // namespace
@@ -58,22 +65,20 @@ QString starterOf(const QString& identifier)
 }
 
 /// A component takes the name when it has published its endpoint.
-void startComponent(XPCTransport& transport, const QString& identifier)
+void startComponent(XPCTransport& transport, const QString& identifier, std::chrono::milliseconds limit)
 {
     const QString name = starterOf(identifier);
     if (name.isNull())
         return;
-    const auto gate = std::make_shared<Gate>();
+    const auto attempt = std::make_shared<Attempt>();
     const XPCConnectionPtr connection = transport.connectionToService(name, xpc_options::kNone);
     connection->setRemoteObjectInterface(std::make_shared<const XPCInterface>(protocols::componentServing()));
     connection->resume();
-    const ComponentProxy component(connection->remoteObjectProxyWithErrorHandler([gate, name](const Error& error) {
-        Logr::log(LogClassification::Caution,
-                  QStringLiteral("cannot start %1: %2").arg(name, error.localizedDescription()));
-        gate->open();
-    }));
-    component.barrier([gate] { gate->open(); });
-    gate->pass();
+    const ComponentProxy component(connection->remoteObjectProxyWithErrorHandler(
+        [attempt](const Error& error) { attempt->end(error.localizedDescription()); }));
+    component.barrier([attempt] { attempt->end({}); });
+    if (const QString problem = attempt->problem(limit); !problem.isNull())
+        Logr::log(LogClassification::Caution, QStringLiteral("cannot start %1: %2").arg(name, problem));
     connection->invalidate();
 }
 
