@@ -18,8 +18,10 @@ inline const QString kSwitchboardName = QStringLiteral("com.havrel.switchboard.4
 class SwitchboardPeer
 {
 public:
-    explicit SwitchboardPeer(XPCTransport& transport, quint32 options = xpc_options::kNone)
-        : m_connection(transport.connectionToService(kSwitchboardName, options))
+    explicit SwitchboardPeer(XPCTransport& transport,
+                             quint32 options = xpc_options::kNone,
+                             const QString& switchboard = kSwitchboardName)
+        : m_connection(transport.connectionToService(switchboard, options))
         , m_ears(std::make_shared<Ears>())
     {
         m_connection->setRemoteObjectInterface(

@@ -332,6 +332,28 @@ TEST_F(SwitchboardWithin, StartsAComponentThatIsAskedFor)
     EXPECT_EQ(started, (QStringList{kScheduler, kMonitor}));
 }
 
+/// Nothing that is for it is handled, until its connection has had enough.
+TEST_F(SwitchboardWithin, DropsAComponentThatHangsForGood)
+{
+    start();
+    SwitchboardPeer peer(m_transport);
+    SwitchboardPeer hanging(m_transport);
+    peer.observe(u"r"_s, switchboard_names::kEndpointRedacted);
+    hanging.publish(kScheduler, kHere);
+    hanging.observe(u"h"_s, u"N"_s);
+    ReplyQueue& queue = dynamic_cast<TransportConnection&>(hanging.connection()).replyQueue();
+    queue.suspend();
+
+    constexpr int kTooMany = 65'536;
+    for (int i = 0; i < kTooMany; ++i)
+        peer.send("postNotificationName:source:userInfo:", {u"N"_s, QStringList(), QVariantMap()});
+
+    EXPECT_EQ(peer.heard(1), QStringList{redacted(u"r"_s, kScheduler)});
+    EXPECT_EQ(peer.query(kScheduler), std::nullopt);
+    queue.resume();
+    EXPECT_FALSE(hanging.barrier());
+}
+
 TEST_F(SwitchboardWithin, DistributesThatItHasStarted)
 {
     int count = 1;

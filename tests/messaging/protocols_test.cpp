@@ -92,6 +92,80 @@ TEST(Protocols, AreDeclaredWithEveryMessageInItsOrder)
     }
 }
 
+constexpr const char* kNoReply = nullptr;
+
+struct TypesRow
+{
+    const char* keywordName;
+    const char* takes;   // types, separated by blanks
+    const char* answers; // the same
+};
+
+constexpr TypesRow kTypes[] = {
+    {"barrierWithCompletion:", "", ""},
+    {"queryComponentVersionWithReply:", "", "s"},
+    {"queryBuildNumberWithReply:", "", "u"},
+    {"didInstallComponent", "", kNoReply},
+    {"willUninstallComponent", "", kNoReply},
+    {"queryComponentPreferenceForKey:withReply:", "s", "av"},
+    {"setComponentPreferenceValue:forKey:withReply:", "av s", "b"},
+    {"queryListenerForCommandIdentifier:withInfo:withReply:", "s a{sv}", "a(so)"},
+    {"commandPrepare", "", kNoReply},
+    {"commandStarted", "", kNoReply},
+    {"progressUpdate:", "v", kNoReply},
+    {"commandStoppedWithExceptionData:", "av", kNoReply},
+    {"doNothingButReply:", "", ""},
+    {"publishEndpoint:forIdentifier:", "(so) s", kNoReply},
+    {"redactEndpointForIdentifier:", "s", kNoReply},
+    {"queryEndpointForIdentifier:withReply:", "s", "a(so)"},
+    {"postNotificationName:source:userInfo:", "s as a{sv}", kNoReply},
+    {"setUser:", "u", kNoReply},
+    {"addProxyObserver:forName:source:", "s s as", kNoReply},
+    {"removeObserver:", "s", kNoReply},
+    {"removeAllObservers", "", kNoReply},
+    {"forwardToObserver:notification:fromSource:withInfo:", "s s as a{sv}", kNoReply},
+    {"queryVolatileInfoWithReply:", "", "a{sv}"},
+    {"queryRunSummariesWithReply:", "", "a{sv}"},
+    {"queryNextScheduledActionInfoWithReply:", "", "aa{sv}"},
+    {"queryActionsInfoWithReply:", "", "aa{sv}"},
+    {"queryHoldTimeWithReply:", "", "d"},
+    {"setHoldTime:", "d", kNoReply},
+    {"sabotageScheduleTime:", "d", kNoReply},
+    {"setAction:toExecuteAt:", "v d", kNoReply},
+    {"setAction:suspended:", "v b", kNoReply},
+    {"quickCapture:toRepository:", "aay ay", kNoReply},
+    {"launchMetadataService:forCommand:withReply:", "s s", "a(so)"},
+    {"queryCanMonitorCommandName:withReply:", "s", "b"},
+    {"orderMonitorWindowFront", "", kNoReply},
+    {"orderMonitorWindowFrontIfVisible", "", kNoReply},
+    {"orderStatusWindowFront", "", kNoReply},
+    {"queryStatusWindowHasStatus:", "", "b"},
+    {"refreshRecentRepositoryCache", "", kNoReply},
+    {"queryRecentlyCapturedRepositoriesWithReply:", "", "aa{sv}"},
+    {"queryRepositoriesForItems:withReply:", "aay", "aa{sv}"},
+    {"setUserNotificationForType:enabled:", "i b", kNoReply},
+    {"queryEnabledUserNotificationForType:withReply:", "i", "b"},
+};
+
+TEST(Protocols, DeclareTheTypesOfEveryArgument)
+{
+    std::size_t declared = 0;
+    for (const Protocol* protocol : protocols::all())
+        declared += protocol->messages().size();
+    EXPECT_EQ(declared, std::size(kTypes));
+    for (const TypesRow& row : kTypes) {
+        const ProtocolMessage* message = nullptr;
+        for (const Protocol* protocol : protocols::all())
+            message = message ? message : protocol->messageNamed(row.keywordName);
+        ASSERT_NE(message, nullptr) << row.keywordName;
+        EXPECT_EQ(message->takes, words(row.takes)) << row.keywordName;
+        ASSERT_EQ(message->answers.has_value(), row.answers != kNoReply) << row.keywordName;
+        if (row.answers != kNoReply) {
+            EXPECT_EQ(*message->answers, words(row.answers)) << row.keywordName;
+        }
+    }
+}
+
 /// A keyword name has one colon for each argument; the reply block is the last one.
 TEST(Protocols, HaveAnArgumentForEachColon)
 {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "messaging/switchboard_connection.h"
 
+#include "messaging/switchboard_subscriber.h"
+#include "tests/messaging/scripted_xpc_connection.h"
 #include "tests/messaging/switchboard_fixture.h"
 
 #include <unistd.h>
@@ -142,6 +144,96 @@ TEST_F(HVSwitchboardConnectionFixture, GoesUnderItsNameAndOnce)
     m_connection.reset();
 
     EXPECT_EQ(logged("-[HVConnection disconnect_Internal] invalidating connection (com.havrel.switchboard."), 1);
+}
+
+// ---- candidates
+
+/// Whose connections write down what happens to them.
+class RecordingTransport final : public XPCTransport
+{
+public:
+    explicit RecordingTransport(SerialQueue& replies)
+        : m_replies(replies)
+    {
+    }
+
+    XPCConnectionPtr connectionToService(const QString& name, quint32 options) override
+    {
+        made.push_back(std::make_shared<ScriptedXPCConnection>(name, m_replies));
+        asked << QStringLiteral("%1 with options 0x%2").arg(name).arg(options, 0, 16);
+        if (made.size() <= answers.size())
+            made.back()->answer({answers[made.size() - 1]});
+        return made.back();
+    }
+    XPCConnectionPtr connectionToEndpoint(const XPCEndpoint& /*endpoint*/) override { return nullptr; }
+    std::unique_ptr<XPCListener> listenerForService(const QString&, quint32) override { return nullptr; }
+    std::unique_ptr<XPCListener> anonymousListener() override { return nullptr; }
+    void postDistributedNotification(const QString&, const QString&) override {}
+    std::shared_ptr<void> addDistributedObserver(const QString&, std::function<void(const QString&)>) override
+    {
+        return nullptr;
+    }
+
+    QStringList asked;
+    std::vector<ScriptedXPCConnectionPtr> made;
+    std::vector<Answer> answers; ///< of each connection to its first barrier
+
+private:
+    SerialQueue& m_replies;
+};
+
+class CandidatesForTheSwitchboard : public SwitchboardFixture
+{
+protected:
+    CandidatesForTheSwitchboard() { XPCTransport::setShared(&m_recording); }
+    ~CandidatesForTheSwitchboard() override
+    {
+        m_connection.reset();
+        runMainQueue(); // notifications that wait there keep it
+    }
+    Q_DISABLE_COPY_MOVE(CandidatesForTheSwitchboard)
+
+    SerialQueue m_replies{QStringLiteral("replies")};
+    RecordingTransport m_recording{m_replies};
+};
+
+TEST_F(CandidatesForTheSwitchboard, AreThatOfTheUserThenThatOfTheMachine)
+{
+    m_recording.answers = {Answer::Fail, Answer::Reply};
+
+    EXPECT_TRUE(m_connection->ping());
+
+    EXPECT_EQ(m_recording.asked,
+              (QStringList{m_userService + u" with options 0x0"_s, u"com.havrel.switchboard with options 0x1000"_s}));
+    EXPECT_EQ(m_recording.made[0]->journal(),
+              (QByteArrayList{"export", "interface", "resume", "barrierWithCompletion:", "invalidate"}));
+    EXPECT_EQ(m_recording.made[1]->journal().first(5),
+              (QByteArrayList{"export", "interface", "resume", "barrierWithCompletion:", "handler"}));
+}
+
+TEST_F(CandidatesForTheSwitchboard, GetTheSubscriberAsExportedObject)
+{
+    EXPECT_TRUE(m_connection->ping());
+
+    ASSERT_EQ(m_recording.made.size(), 2U);
+    const auto subscriber = std::dynamic_pointer_cast<SwitchboardSubscriber>(m_recording.made[0]->exportedObject());
+    ASSERT_TRUE(subscriber);
+    EXPECT_EQ(m_recording.made[1]->exportedObject(), subscriber);
+    for (const auto& each : m_recording.made) {
+        EXPECT_EQ(&each->exportedInterface()->protocol(), &protocols::switchboardSubscribing());
+    }
+    m_connection->addObserver(u"log"_s, u"DidBegin"_s, {});
+    EXPECT_EQ(subscriber->registeredObserverIDs(), QStringList{u"log"_s});
+}
+
+TEST_F(CandidatesForTheSwitchboard, LoseTheSubscriberBeforeTheyEnd)
+{
+    EXPECT_TRUE(m_connection->ping());
+
+    EXPECT_TRUE(m_connection->disconnect());
+
+    EXPECT_EQ(m_recording.made[0]->journal().last(3), (QByteArrayList{"export nothing", "no handler", "invalidate"}));
+    EXPECT_FALSE(m_recording.made[0]->exportedObject());
 }
 
 // ---- a switchboard has started

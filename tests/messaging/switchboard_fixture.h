@@ -10,16 +10,15 @@
 #include "messaging/switchboard_names.h"
 #include "tests/messaging/test_switchboard.h"
 #include "tests/support/awaited.h"
+#include "tests/support/handled_events.h"
 #include "tests/support/in_process_transport.h"
 #include "tests/support/recording_logr.h"
 
 #include <QCoreApplication>
-#include <QTimer>
 
 #include <gtest/gtest.h>
 
 #include <array>
-#include <chrono>
 #include <memory>
 #include <utility>
 
@@ -75,12 +74,7 @@ protected:
     void lose(HVConnection& connection, const QString& place)
     {
         m_transport.invalidateFromFarSide(place);
-        QTimer deadline;
-        deadline.setSingleShot(true);
-        deadline.start(std::chrono::minutes(1));
-        while (connection.connected() && deadline.isActive())
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        EXPECT_FALSE(connection.connected());
+        EXPECT_TRUE(handleEventsUntil([&] { return !connection.connected(); }));
     }
     /// What \p switchboard has been told since it was asked last, when it has handled all of it.
     [[nodiscard]] QStringList told(TestComponent& switchboard)

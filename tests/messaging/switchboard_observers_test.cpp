@@ -2,6 +2,9 @@
 #include "messaging/switchboard_connection.h"
 #include "tests/messaging/switchboard_fixture.h"
 
+#include <thread>
+#include <vector>
+
 #include <unistd.h>
 
 namespace havrel {
@@ -250,6 +253,62 @@ TEST_F(SwitchboardObservers, SurviveAHundredReconnectionsWithoutLossDoublingOrGr
     EXPECT_EQ(heard.count(), std::size_t(kObservers));
     for (int i = 0; i < kObservers; ++i)
         EXPECT_EQ(all[std::size_t(i)], i);
+}
+
+/// One-way messages wait for each other when 1,024 of them are under way, also while the observers are locked.
+TEST_F(SwitchboardObservers, MayBeMoreThanMessagesMayBeUnderWay)
+{
+    constexpr int kObservers = 3'000;
+    connect();
+    for (int i = 0; i < kObservers; ++i)
+        m_connection->addObserver(QString::number(i), u"DidBegin"_s, {});
+    EXPECT_EQ(told(*m_user).size(), kObservers);
+
+    lose(*m_connection, m_userService);
+
+    EXPECT_EQ(told(*m_user).size(), 1 + kObservers);
+}
+
+TEST_F(SwitchboardObservers, AreAddedAndRemovedByManyThreadsWhileConnectionsComeAndGo)
+{
+    constexpr int kThreads = 4;
+    constexpr int kEach = 100;
+    connect();
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([this, t] {
+            for (int i = 0; i < kEach; ++i) {
+                const QString kept = QStringLiteral("kept.%1.%2").arg(t).arg(i, 3, 10, QLatin1Char('0'));
+                m_connection->addObserver(kept, u"DidBegin"_s, {});
+                m_connection->addObserver(u"gone."_s + kept, u"DidBegin"_s, {});
+                m_connection->removeObserver(u"gone."_s + kept);
+            }
+        });
+    for (int i = 0; i < kEach; ++i) {
+        m_connection->disconnect();
+        EXPECT_TRUE(m_connection->ping());
+    }
+    for (std::thread& each : threads)
+        each.join();
+    (void)told(*m_user);
+
+    m_connection->disconnect();
+
+    const QStringList registered = told(*m_user);
+    EXPECT_EQ(registered.size(), 1 + kThreads * kEach);
+    EXPECT_EQ(registered.filter(kAdd + u"(kept."_s).size(), kThreads * kEach);
+}
+
+TEST_F(SwitchboardObservers, HearTheSwitchboardOfTheMachineToo)
+{
+    const auto machine = serveMachine();
+    Awaited<QString> heard;
+
+    m_connection->addObserver(u"log"_s, u"DidBegin"_s, telling(heard));
+    (void)told(*machine);
+    machine->forward(u"log"_s, u"DidBegin"_s, {u"LogRotator"_s}, {});
+
+    EXPECT_EQ(heard.one(), u"LogRotator {}"_s);
 }
 
 // ---- endpoints
