@@ -12,10 +12,11 @@ class Peer(Bus):
     """A component of another house: one connection to the switchboard, and whoever connects to it."""
 
     def __init__(self, path, handler=None):
-        self.path, self.heard, self.own = path, [], handler
+        self.path, self.heard, self.calls, self.own = path, [], [], handler
         super().__init__(self.received)
 
     def received(self, message):
+        self.calls.append(message)
         if message.member == "forwardToObserver_notification_fromSource_withInfo_" and message.path == self.path:
             self.heard.append(message.values)
             return "", ()
@@ -28,6 +29,10 @@ class Peer(Bus):
 
     def publish(self, identifier, prefix):
         self.ask("publishEndpoint_forIdentifier_", "(so)s", (self.name, prefix), identifier)
+
+    def notifications(self):
+        """Those that were distributed."""
+        return [each.values for each in self.signals if each.member == "posted"]
 
     def where(self, identifier):
         return self.ask("queryEndpointForIdentifier_withReply_", "s", identifier)[0]

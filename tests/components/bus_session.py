@@ -4,6 +4,15 @@ import os
 import subprocess
 import sys
 
+# Other users may connect, as they may not to the bus of a session: the components must not rely on that. The limits are
+# those of a session's bus.
+BUS = """<busconfig><type>session</type><listen>unix:path={folder}/bus</listen><auth>EXTERNAL</auth>
+<standard_session_servicedirs/><policy context="default"><allow user="*"/><allow own="*"/>
+<allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/></policy>
+<limit name="max_incoming_bytes">1000000000</limit><limit name="max_outgoing_bytes">1000000000</limit>
+<limit name="max_message_size">1000000000</limit><limit name="max_replies_per_connection">50000</limit></busconfig>
+"""
+
 
 def serve(folder, commands):
     """Lets the bus start a command for each name."""
@@ -21,8 +30,11 @@ def components(place):
 def run_again_within(folder, **environment):
     """Runs the program with its arguments and the folder once more, on such a bus; answers how that ended."""
     places = {f"XDG_{each}_HOME": str(folder / each.lower()) for each in ("DATA", "STATE", "CONFIG", "CACHE")}
-    return subprocess.run(["dbus-run-session", "--", sys.executable, *sys.argv, folder],
-                          env={**os.environ, **places, "HOME": str(folder), **environment}).returncode
+    configuration = folder / "bus.conf"
+    configuration.write_text(BUS.format(folder=folder))
+    folder.chmod(0o711)  # other users reach the bus
+    command = ["dbus-run-session", f"--config-file={configuration}", "--", sys.executable, *sys.argv, folder]
+    return subprocess.run(command, env={**os.environ, **places, "HOME": str(folder), **environment}).returncode
 
 
 def output_of(*command):

@@ -18,8 +18,10 @@ import time
 
 from bus_peer import ROOM, SWITCHBOARD, Peer
 from bus_session import components, output_of, run_again_within, serve
+import described_interfaces
 from described_items import change, described, fill
 from idle_process import unrest_of
+import other_users
 from plain_bus import Variant
 
 HAVREL, COMPONENTS = sys.argv[1], pathlib.Path(sys.argv[2])
@@ -33,13 +35,15 @@ def check_the_switchboard():
                protocol="ZephronSwitchboarding_private")
     second.ask("addProxyObserver_forName_source_", "ssas", "all", "Greeting", [],
                protocol="ZephronSwitchboarding_private")
+    sent = {"words": ("as", ["good", "day"]), "bytes": ("ay", b"\0\xff"), "most": ("t", 2**64 - 1),
+            "least": ("x", -2**63), "half": ("d", 0.5), "yes": ("b", True), "text": ("s", "\u20ac"), "none": ("av", [])}
     first.publish("com.example.echo", "/com/example/echo")
     first.ask("postNotificationName_source_userInfo_", "sasa{sv}", "Greeting", ["first"],
-              {"words": Variant("as", ["good", "day"])})
+              {key: Variant(*value) for key, value in sent.items()})
     second.serve(lambda: len(second.heard) == 2)
     assert second.heard == [
         ["me", "SwitchboardEndpointPublished", ["Switchboard"], {"id": "com.example.echo"}],
-        ["all", "Greeting", ["first"], {"words": ["good", "day"]}]], second.heard
+        ["all", "Greeting", ["first"], {key: value for key, (_, value) in sent.items()}]], second.heard
     assert second.where("com.example.echo") == [(first.name, "/com/example/echo")]
     first.socket.close()
     second.ask("addProxyObserver_forName_source_", "ssas", "end", "SwitchboardEndpointRedacted", [],
@@ -93,6 +97,10 @@ def check_that_a_stranger_passes_as_scheduler(folder):
     peer.serve(lambda: client.poll() is not None)
     assert client.returncode == 0 and len(looks) == 2, (client.returncode, looks)
     assert asked == [[[bytes(folder / "items")], bytes(folder / "a.zephra")]], asked
+    calls = [each for each in peer.calls if each.path.startswith("/com/example/scheduler/")]
+    assert [calls[0].interface, calls[0].member] == ["com.havrel.HVComponentMessaging", "barrierWithCompletion_"], calls
+    assert {each.interface for each in calls if each.member == "quickCapture_toRepository_"} == {
+        "com.havrel.ZephronScheduling"}
     peer.ask("redactEndpointForIdentifier_", "s", "com.havrel.scheduler")
     peer.socket.close()
     print("a stranger passes as scheduler")
@@ -259,8 +267,22 @@ def check_that_they_rest():
     print("nothing wakes them while nothing happens")
 
 
+def check_that_all_is_as_described():
+    """At the end: to the scheduler the least of everything is a capture of nothing."""
+    every = ["com.havrel.HVComponentMessaging", "com.havrel.HVComponentInstalling", "com.havrel.HVComponentServing"]
+    both = ["com.havrel.HVComponentPreferencing", "com.havrel.CommandListenerServiceProvider"]
+    peer = Peer(f"{ROOM}/describing")
+    for identifier, own in (("scheduler", "com.havrel.ZephronScheduling"), ("monitor", "com.havrel.ZephronMonitoring")):
+        (owner, prefix), = peer.where(f"com.havrel.{identifier}")
+        peer.call(owner, f"{prefix}/x", every[0], "barrierWithCompletion_")  # begins the connection
+        described_interfaces.check(peer, owner, f"{prefix}/x", every + both + [own])
+    described_interfaces.check(peer, SWITCHBOARD, peer.path, every + [
+        "com.havrel.ZephronSwitchboarding", "com.havrel.ZephronSwitchboarding_private"])
+
+
 def check_deaths(folder):
     peer = Peer(f"{ROOM}/deaths")
+    peer.call_bus("AddMatch", "s", "type='signal',interface='com.havrel.Notifications',member='posted'")
 
     hanging = process_of(peer, "com.havrel.Monitor")
     os.kill(hanging, signal.SIGSTOP)
@@ -277,6 +299,9 @@ def check_deaths(folder):
         pass
     havrel("capture", "--to", folder / "a.zephra", folder / "items")
     assert process_of(peer, SWITCHBOARD) != switchboard
+    peer.serve(lambda: peer.notifications())
+    assert peer.notifications()[0][:2] == [
+        "com.havrel.switchboard.started", [f"com.havrel.switchboard.{os.geteuid()}"]], peer.notifications()
     print("they survive each other")
 
 
@@ -299,6 +324,7 @@ def within_a_session(folder):
     havrel("archive", "create", folder / "a.zephra", "--repository", folder / "repository")
     check_all_in_one_process()
     check_the_switchboard()
+    other_users.check_that_they_are_not_heard()
     check_that_a_stranger_passes_as_scheduler(folder)
     check_a_capture(folder)
     check_deaths(folder)
@@ -306,6 +332,7 @@ def within_a_session(folder):
     check_that_a_capture_does_not_need_its_client(folder)
     check_that_the_queue_and_the_log_survive(folder)
     check_that_they_rest()
+    check_that_all_is_as_described()
 
 
 def main():

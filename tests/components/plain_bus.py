@@ -108,14 +108,15 @@ class Reader:
 class Message:
     def __init__(self, kind, serial, fields, values):
         self.kind, self.serial, self.fields, self.values = kind, serial, fields, values
-        self.path, self.member = fields.get(PATH), fields.get(MEMBER)
+        self.path, self.interface, self.member = fields.get(PATH), fields.get(INTERFACE), fields.get(MEMBER)
 
 
 class Bus:
-    """One connection. `handler` gets each call and answers (signature, values), or None for an unknown one."""
+    """One connection. `handler` gets each call and answers (signature, values), or None for an unknown one. Signals are
+    kept."""
 
     def __init__(self, handler=lambda message: None):
-        self.handler, self.serial, self.data, self.replies = handler, 0, b"", {}
+        self.handler, self.serial, self.data, self.replies, self.signals = handler, 0, b"", {}, []
         address = os.environ["DBUS_SESSION_BUS_ADDRESS"]
         place = re.search(r"unix:(path|abstract)=([^,;]+)", address)
         self.socket = socket.socket(socket.AF_UNIX)
@@ -150,14 +151,17 @@ class Bus:
         self.send(CALL, {PATH: path, INTERFACE: interface, MEMBER: member, DESTINATION: destination}, signature, values,
                   flags=1)
 
-    def call(self, destination, path, interface, member, signature="", *values):
+    def call(self, *message):
+        return self.call_for_reply(*message).values
+
+    def call_for_reply(self, destination, path, interface, member, signature="", *values):
         serial = self.send(CALL, {PATH: path, INTERFACE: interface, MEMBER: member, DESTINATION: destination},
                            signature, values)
         self.serve(lambda: serial in self.replies)
         reply = self.replies.pop(serial)
         if reply.kind == ERROR:
             raise RuntimeError(reply.fields[ERROR_NAME], reply.values)
-        return reply.values
+        return reply
 
     def serve(self, is_over, seconds=60):
         """Handles what comes, until it is over."""
@@ -173,6 +177,8 @@ class Bus:
     def handle(self, message):
         if message.kind in (RETURN, ERROR):
             self.replies[message.fields[REPLY_SERIAL]] = message
+        elif message.kind == SIGNAL:
+            self.signals.append(message)
         elif message.kind == CALL:
             answer = self.handler(message)
             back = {REPLY_SERIAL: message.serial, DESTINATION: message.fields[SENDER]}
