@@ -37,6 +37,9 @@ install(FILES resources/completions/_havrel
     DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT havrel)
 install(FILES resources/completions/havrel.fish
     DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT havrel)
+# What other programs may send to the service and to the components, for those who write them.
+install(DIRECTORY resources/bus/
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces COMPONENT havrel FILES_MATCHING PATTERN "*.xml")
 install(FILES CHANGELOG.md README.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT havrel)
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright COMPONENT havrel)
 if(EXISTS ${PROJECT_SOURCE_DIR}/resources/help)

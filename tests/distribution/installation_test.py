@@ -12,6 +12,7 @@ import tempfile
 
 BUILD = sys.argv[1]
 NAMES = ("Service", "Switchboard", "Monitor", "Scheduler")
+DESCRIPTIONS = pathlib.Path(__file__).resolve().parents[2] / "resources/bus"
 
 
 def install(folder, prefix, destination=None):
@@ -35,6 +36,9 @@ def check(root, prefix):
             assert command_in(root / file, key) == f"{prefix}/bin/{program}", (root / file, prefix)
         assert (root / "bin" / program).exists(), program
         print("names", program, "below", prefix)
+    installed = {each.name: each.read_bytes() for each in (root / "share/dbus-1/interfaces").iterdir()}
+    assert installed == {each.name: each.read_bytes() for each in DESCRIPTIONS.glob("*.xml")}, installed.keys()
+    print(len(installed), "interfaces described")
 
 
 def check_that_the_bus_finds_it(root):

@@ -25,6 +25,8 @@ PACKAGES = {
                   for place, ending in (("usr/bin", ""), ("usr/share/systemd/user", ".service"),
                                         ("usr/share/man/man1", ".1"))),
                 "usr/share/man/man1/havrel.1", "usr/share/man/man1/havrel-service.1", "usr/share/bash-completion/completions/havrel",
+                "usr/share/dbus-1/interfaces/com.havrel.Service.xml",
+                "usr/share/dbus-1/interfaces/com.havrel.ZephronSwitchboarding.xml",
                 "usr/share/zsh/vendor-completions/_havrel", "usr/share/fish/vendor_completions.d/havrel.fish",
                 "usr/share/doc/havrel/copyright"],
                {"Depends": ["libqt6core6", "dbus-session-bus"], "Suggests": ["havrel-nautilus"]}),
