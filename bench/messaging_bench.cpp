@@ -3,6 +3,7 @@
 // the same bus: a barrier's round trip, and one-way messages. Both take turns in one run; medians over the rounds.
 //
 // usage: messaging_bench
+#include "bench/bare_bus.h"
 #include "foundation/condition_lock.h"
 #include "messaging/bus_transport.h"
 #include "messaging/protocol.h"
@@ -39,12 +40,6 @@ const Protocol& protocol()
     return s_protocol;
 }
 
-[[noreturn]] void fail(const char* what)
-{
-    std::perror(what);
-    std::exit(1);
-}
-
 /// A process that does \p block, and goes with its owner.
 class Peer
 {
@@ -73,15 +68,6 @@ public:
 private:
     const pid_t m_process;
 };
-
-sd_bus* bareBus(const QByteArray& address)
-{
-    sd_bus* bus = nullptr;
-    if (sd_bus_new(&bus) < 0 || sd_bus_set_address(bus, address.constData()) < 0 || sd_bus_set_bus_client(bus, 1) < 0 ||
-        sd_bus_start(bus) < 0)
-        fail("bare bus");
-    return bus;
-}
 
 int answered(sd_bus_message* message, void*, sd_bus_error*)
 {
