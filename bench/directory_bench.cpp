@@ -26,7 +26,7 @@
 namespace havrel {
 namespace {
 
-constexpr int kRounds = 9;
+constexpr int kRounds = 5;
 constexpr int kEntries = 100000;
 constexpr int kFolders = 2000;
 constexpr int kFilesInEach = 99;
@@ -203,6 +203,7 @@ void lettingGo()
 
 int main()
 {
+    (void)std::setvbuf(stdout, nullptr, _IOLBF, 0); // it takes minutes
     const havrel::Tree tree;
     const std::string folder = tree.folder("wide");
     havrel::fill(folder, havrel::kEntries);
