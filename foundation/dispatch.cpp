@@ -10,6 +10,7 @@
 #include <QCoreApplication>
 #include <QMetaObject>
 #include <QRunnable>
+#include <QScopeGuard>
 #include <QThread>
 #include <QThreadPool>
 
@@ -50,41 +51,64 @@ void runThrowingOn(const std::function<void()>& block)
 }
 
 /// A block on its way to another thread through the toolkit, whose library is not built for the thread sanitizer, which
-/// therefore does not see how its event queues and its pool hand things over: so it is told.
+/// therefore does not see how its event queues and its pool hand things over: so it is told. What holds the block at
+/// the end of its moves has been written by then.
 class HandedBlock
 {
 public:
     explicit HandedBlock(std::function<void()> block)
         : m_block(std::move(block))
     {
+        leave();
+    }
+    HandedBlock(HandedBlock&& other) noexcept
+        : m_block(std::move(other.m_block))
+    {
+        leave();
+    }
+    ~HandedBlock() { arrive(); }
+    HandedBlock(const HandedBlock&) = delete;
+    HandedBlock& operator=(const HandedBlock&) = delete;
+    HandedBlock& operator=(HandedBlock&&) = delete;
+
+    /// Has \p run run it, on the other thread. Which of the two lets go of it last is not known.
+    void runBy(void (*run)(const std::function<void()>& block))
+    {
+        arrive();
+        const auto done = qScopeGuard([this] { leave(); });
+        run(m_block);
+    }
+
+private:
+    void leave()
+    {
 #ifdef __SANITIZE_THREAD__
         __tsan_release(this);
 #endif
     }
-    ~HandedBlock()
-    {
-        hasArrived();
-    }
-    HandedBlock(const HandedBlock&) = delete;
-    HandedBlock& operator=(const HandedBlock&) = delete;
-    HandedBlock(HandedBlock&&) = delete;
-    HandedBlock& operator=(HandedBlock&&) = delete;
-
-    [[nodiscard]] const std::function<void()>& block() const
-    {
-        hasArrived();
-        return m_block;
-    }
-
-private:
-    void hasArrived() const
+    void arrive()
     {
 #ifdef __SANITIZE_THREAD__
-        __tsan_acquire(const_cast<HandedBlock*>(this));
+        __tsan_acquire(this);
 #endif
     }
 
-    const std::function<void()> m_block;
+    std::function<void()> m_block;
+};
+
+/// A block on its way to the main queue.
+class MainQueueBlock
+{
+public:
+    explicit MainQueueBlock(std::function<void()> block)
+        : m_handed(std::move(block))
+    {
+    }
+
+    void operator()() { m_handed.runBy(runThrowingOn); }
+
+private:
+    HandedBlock m_handed;
 };
 
 /// A block on its way to a thread of the pool.
@@ -96,10 +120,10 @@ public:
     {
     }
 
-    void run() override { runAtWall(m_handed.block()); }
+    void run() override { m_handed.runBy(runAtWall); }
 
 private:
-    const HandedBlock m_handed;
+    HandedBlock m_handed;
 };
 
 /// What a thread waits for until another one tells that it is done.
@@ -140,10 +164,7 @@ void runAtWall(const std::function<void()>& block)
 
 void onMainQueue(std::function<void()> block)
 {
-    QMetaObject::invokeMethod(
-        QCoreApplication::instance(),
-        [handed = std::make_shared<const HandedBlock>(std::move(block))] { runThrowingOn(handed->block()); },
-        Qt::QueuedConnection);
+    QMetaObject::invokeMethod(QCoreApplication::instance(), MainQueueBlock(std::move(block)), Qt::QueuedConnection);
 }
 
 void endAtMainQueueWall()
