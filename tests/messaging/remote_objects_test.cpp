@@ -35,11 +35,11 @@ protected:
     void exportShelf(const std::shared_ptr<LibraryObject>& object)
     {
         m_shelves = this->m_world.server().anonymousListener();
-        m_shelves->setAcceptor([this, object](const XPCConnectionPtr& connection) {
+        m_shelves->setAcceptor([far = this->m_far, ends = m_shelfEnds, object](const XPCConnectionPtr& connection) {
             connection->setExportedInterface(std::make_shared<XPCInterface>(smallLibraryProtocol()));
             connection->setExportedObject(object);
-            connection->setInvalidationHandler([this] { m_shelfEnds.tell(true); });
-            this->m_accepted.tell(connection);
+            connection->setInvalidationHandler([ends] { ends->tell(true); });
+            far->accepted.tell(connection);
             return true;
         });
         ASSERT_EQ(m_shelves->resume(), 0);
@@ -57,7 +57,7 @@ protected:
     }
 
     std::unique_ptr<XPCListener> m_shelves;
-    Awaited<bool> m_shelfEnds;
+    const std::shared_ptr<Awaited<bool>> m_shelfEnds = std::make_shared<Awaited<bool>>();
 };
 
 TYPED_TEST_SUITE(RemoteObject, tests::Worlds);
@@ -75,9 +75,9 @@ TYPED_TEST(RemoteObject, ComesInAReplyAndMayBeSpokenTo)
     ASSERT_TRUE(handled.one().has_value());
     EXPECT_EQ(shelf->noted.first(2)[0].values, QVariantList{qint64{7}});
     EXPECT_THROW(proxy->send("burn"), Exception) << "a shelf does not know that message";
-    EXPECT_EQ(this->m_shelfEnds.count(), 0U);
+    EXPECT_EQ(this->m_shelfEnds->count(), 0U);
     proxy.reset();
-    EXPECT_TRUE(this->m_shelfEnds.one().has_value()) << "its connection ends with the proxy";
+    EXPECT_TRUE(this->m_shelfEnds->one().has_value()) << "its connection ends with the proxy";
     EXPECT_TRUE(this->barrier()) << "that it came by goes on";
 }
 

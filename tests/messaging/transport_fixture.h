@@ -33,6 +33,13 @@ protected:
         std::optional<Error> error;
     };
 
+    /// What acceptors tell of, who may be asked late.
+    struct FarSide
+    {
+        Awaited<XPCConnectionPtr> accepted;
+        Awaited<bool> ends;
+    };
+
     void TearDown() override
     {
         m_proxy.reset();
@@ -54,12 +61,12 @@ protected:
 
     XPCListener::Acceptor acceptor(XPCInterfacePtr interface)
     {
-        return [this, interface](const XPCConnectionPtr& connection) {
+        return [far = m_far, object = m_object, interface](const XPCConnectionPtr& connection) {
             connection->setExportedInterface(interface);
-            connection->setExportedObject(m_object);
+            connection->setExportedObject(object);
             connection->setRemoteObjectInterface(libraryInterface());
-            connection->setInvalidationHandler([this] { m_farEnds.tell(true); });
-            m_accepted.tell(connection);
+            connection->setInvalidationHandler([far] { far->ends.tell(true); });
+            far->accepted.tell(connection);
             return true;
         };
     }
@@ -105,10 +112,11 @@ protected:
     XPCConnectionPtr m_connection;
     std::vector<std::weak_ptr<XPCConnection>> m_made;
     XPCProxyPtr m_proxy;
-    Awaited<XPCConnectionPtr> m_accepted;
     Awaited<Error> m_errors;
     Awaited<bool> m_ends;
-    Awaited<bool> m_farEnds;
+    const std::shared_ptr<FarSide> m_far = std::make_shared<FarSide>();
+    Awaited<XPCConnectionPtr>& m_accepted = m_far->accepted;
+    Awaited<bool>& m_farEnds = m_far->ends;
 };
 
 using Worlds = ::testing::Types<InProcessWorld, BusWorld, OneProcessBusWorld>;
