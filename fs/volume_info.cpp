@@ -49,7 +49,7 @@ QString word(std::uint32_t value)
 
 } // namespace
 
-JNVolumeInfo::JNVolumeInfo(Token /*token*/, platform::FileSystem stat, platform::VolumeAttributes attributes)
+JNVolumeInfo::JNVolumeInfo(Token /*token*/, platform::FileSystem stat, const platform::VolumeAttributes& attributes)
     : m_pathObj(JNPath::assumingName(attributes.label.isEmpty() ? path_text::baseName(stat.mountPoint).toByteArray()
                                                                 : attributes.label,
                                      stat.mountPoint))
@@ -108,12 +108,12 @@ JNVolumeInfoPtr JNVolumeInfo::withStat(const platform::FileSystem& stat)
         HVException::ioErrno(error, QStringLiteral("problem getting volume attributes"))
             .setCPath(stat.mountPoint.constData())
             .raise();
-    return withStat(stat, std::move(attributes));
+    return withStat(stat, attributes);
 }
 
-JNVolumeInfoPtr JNVolumeInfo::withStat(platform::FileSystem stat, platform::VolumeAttributes attributes)
+JNVolumeInfoPtr JNVolumeInfo::withStat(platform::FileSystem stat, const platform::VolumeAttributes& attributes)
 {
-    return std::make_shared<JNVolumeInfo>(Token(), std::move(stat), std::move(attributes));
+    return std::make_shared<JNVolumeInfo>(Token(), std::move(stat), attributes);
 }
 
 JNVolumeInfoPtr JNVolumeInfo::volumeInfoForPathObject(const JNPath& path)
@@ -297,7 +297,7 @@ QString JNVolumeInfo::syntheticUUID() const
 
 QVariant JNVolumeInfo::wholeDeviceIdentifier()
 {
-    const QVariant number = nsAttributes().toMap().value(kNumberKey);
+    QVariant number = nsAttributes().toMap().value(kNumberKey);
     const QByteArray device = cDeviceName();
     if (device.isEmpty() || device.startsWith('/'))
         return number;

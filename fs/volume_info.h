@@ -47,7 +47,7 @@ class JNVolumeInfo : public std::enable_shared_from_this<JNVolumeInfo>
     };
 
 public:
-    JNVolumeInfo(Token token, platform::FileSystem stat, platform::VolumeAttributes attributes);
+    JNVolumeInfo(Token token, platform::FileSystem stat, const platform::VolumeAttributes& attributes);
     JNVolumeInfo(Token token, const JNVolumeInfo& other);
 
     /// One for each mounted file system that a path leads to, in the order of the kernel's table. Waits half a second
@@ -74,7 +74,8 @@ public:
     /// \throws HVException "IO" "problem getting volume attributes" with the mount point
     [[nodiscard]] static JNVolumeInfoPtr withStat(const platform::FileSystem& stat);
     /// The same where the rest is known already; asks nobody.
-    [[nodiscard]] static JNVolumeInfoPtr withStat(platform::FileSystem stat, platform::VolumeAttributes attributes);
+    [[nodiscard]] static JNVolumeInfoPtr withStat(platform::FileSystem stat,
+                                                  const platform::VolumeAttributes& attributes);
     [[nodiscard]] static JNVolumeInfoPtr
     volumeInfoForPathObject(const JNPath& path); ///< \selector +volumeInfoForPathObject:
     [[nodiscard]] static JNVolumeInfoPtr volumeInfoForPath(const QString& path); ///< \selector +volumeInfoForPath:

@@ -40,7 +40,7 @@ std::vector<JNVolumeInfoPtr> JNVolumeInfo::allVolumes()
     for (platform::MountedVolume& volume : mountedVolumes().volumes) {
         try {
             raiseProblem(volume);
-            volumes.push_back(withStat(std::move(volume.fileSystem), std::move(volume.attributes)));
+            volumes.push_back(withStat(std::move(volume.fileSystem), volume.attributes));
         } catch (const Exception& problem) {
             Logr::logException(LogClassification::Debug, problem);
         }

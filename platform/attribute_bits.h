@@ -9,6 +9,8 @@
 /// \source sys/attr.h of the BSD systems, getattrlist(2)
 namespace havrel::platform {
 
+// NOLINTBEGIN(readability-identifier-naming): the names that everybody knows
+
 // Every item.
 inline constexpr std::uint32_t ATTR_CMN_NAME = 0x00000001;
 inline constexpr std::uint32_t ATTR_CMN_DEVID = 0x00000002;
@@ -63,5 +65,7 @@ inline constexpr std::uint32_t ATTR_FILE_TOTALSIZE = 0x00000002;
 inline constexpr std::uint32_t ATTR_FILE_ALLOCSIZE = 0x00000004;
 inline constexpr std::uint32_t ATTR_FILE_DATALENGTH = 0x00000200;
 inline constexpr std::uint32_t ATTR_FILE_DATAALLOCSIZE = 0x00000400;
+
+// NOLINTEND(readability-identifier-naming)
 
 } // namespace havrel::platform

@@ -7,21 +7,19 @@
 
 namespace havrel::platform {
 
-/// What is true of every file system of a type; to be combined.
-enum FileSystemTraits : std::uint32_t {
-    kPlain = 0,
-    kKernelOnly = 1U << 0U,       ///< shows what the kernel knows, keeps no files of people
-    kRemote = 1U << 1U,           ///< on another host
-    kMayHang = 1U << 2U,          ///< a question may wait for another host or program, perhaps for ever
-    kNeverAsk = 1U << 3U,         ///< a question would mount something
-    kNoOwners = 1U << 4U,         ///< keeps neither owners nor modes
-    kNoInodes = 1U << 5U,         ///< keeps neither inode numbers nor times of attribute changes
-    kOnDevices = 1U << 6U,        ///< on block devices, although the kernel gives it a device number without one
-    kAsksForCase = 1U << 7U,      ///< each folder says whether case counts in it
-    kAsksForJournal = 1U << 8U,   ///< may be without a journal
-    kAsksForObjectIds = 1U << 9U, ///< the mount options say how wide inode numbers are
-    kAsksForXfs = 1U << 10U,      ///< cloning and case are told by a call of its own
-};
+// What is true of every file system of a type; to be combined.
+inline constexpr std::uint32_t kPlain = 0;
+inline constexpr std::uint32_t kKernelOnly = 1U << 0U;  ///< shows what the kernel knows, keeps no files of people
+inline constexpr std::uint32_t kRemote = 1U << 1U;      ///< on another host
+inline constexpr std::uint32_t kMayHang = 1U << 2U;     ///< waits for another host or program, perhaps for ever
+inline constexpr std::uint32_t kNeverAsk = 1U << 3U;    ///< a question would mount something
+inline constexpr std::uint32_t kNoOwners = 1U << 4U;    ///< keeps neither owners nor modes
+inline constexpr std::uint32_t kNoInodes = 1U << 5U;    ///< keeps neither inode numbers nor times of attribute changes
+inline constexpr std::uint32_t kOnDevices = 1U << 6U;   ///< on block devices, by a device number without one
+inline constexpr std::uint32_t kAsksForCase = 1U << 7U; ///< each folder says whether case counts in it
+inline constexpr std::uint32_t kAsksForJournal = 1U << 8U;   ///< may be without a journal
+inline constexpr std::uint32_t kAsksForObjectIds = 1U << 9U; ///< the mount options say how wide inode numbers are
+inline constexpr std::uint32_t kAsksForXfs = 1U << 10U;      ///< cloning and case are told by a call of its own
 
 /// A type of file systems and what it can do. Bits that its name does not settle are in the sets of the unsettled: what
 /// they are must be asked for, else is not known.

@@ -9,6 +9,8 @@
 /// \source sys/attr.h and sys/mount.h of the BSD systems, getattrlist(2), statfs(2)
 namespace havrel::platform {
 
+// NOLINTBEGIN(readability-identifier-naming): the names that everybody knows
+
 // Capabilities of the format.
 inline constexpr std::uint32_t VOL_CAP_FMT_PERSISTENTOBJECTIDS = 0x00000001; ///< inode numbers outlive the mount
 inline constexpr std::uint32_t VOL_CAP_FMT_SYMBOLICLINKS = 0x00000002;
@@ -54,5 +56,7 @@ inline constexpr std::uint32_t MNT_LOCAL = 0x00001000;            ///< not anoth
 inline constexpr std::uint32_t MNT_ROOTFS = 0x00004000;           ///< mounted on "/"
 inline constexpr std::uint32_t MNT_DONTBROWSE = 0x00100000;       ///< not to be shown to people
 inline constexpr std::uint32_t MNT_IGNORE_OWNERSHIP = 0x00200000; ///< owners and modes are made up
+
+// NOLINTEND(readability-identifier-naming)
 
 } // namespace havrel::platform
