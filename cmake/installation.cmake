@@ -48,6 +48,8 @@ endif()
 
 # Starting the service: by the message bus, or by systemd on its behalf. The files name the program's full path, which is
 # known only when it is installed. Both are found in every data folder of the session, wherever the prefix is.
+# Made now, by whom the build belongs to: an installation as root must not leave a folder that packaging cannot write to.
+file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/generated/bus)
 function(install_started_by template folder program)
     install(CODE "
         set(program \"${program}\")
@@ -66,3 +68,8 @@ foreach(component IN ITEMS Switchboard Monitor Scheduler)
     install_started_by(com.havrel.${component}.service dbus-1/services ${program})
     install_started_by(${program}.service systemd/user ${program})
 endforeach()
+
+add_custom_target(uninstall
+    COMMAND ${CMAKE_COMMAND} -D manifest=${PROJECT_BINARY_DIR}/install_manifest.txt
+            -P ${PROJECT_SOURCE_DIR}/cmake/uninstall.cmake
+    COMMENT "Removing what was installed from this build" VERBATIM)
