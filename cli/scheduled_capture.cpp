@@ -127,7 +127,8 @@ private:
         if (!outcome)
             fail("scheduler",
                  outcome.error ? u"it has ended; whether it goes on when it is back is not known"_s
-                               : u"it cannot be reached"_s);
+                               : u"it cannot be reached: there is no session bus, or the components are not "
+                                 "installed (havrel components run starts them)"_s);
         else if (!asked.isValid())
             fail("scheduler", u"it does not tell what becomes of the request"_s);
         else if (m_id.isEmpty())

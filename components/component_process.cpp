@@ -23,6 +23,7 @@
 #include <QSocketNotifier>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
@@ -81,13 +82,22 @@ void leave(int status)
     onMainQueue([status] { QCoreApplication::exit(status); });
 }
 
+QString whyItCannotServe(int error)
+{
+    if (error == EEXIST)
+        return QStringLiteral("another process serves already");
+    if (error == ENOMEDIUM)
+        return QStringLiteral("there is no session bus (log in to a desktop session, or set DBUS_SESSION_BUS_ADDRESS)");
+    return systemErrorText(error);
+}
+
 int startAll(ComponentProcess& process, const QList<ComponentKind>& kinds, const char* program)
 {
     for (const ComponentKind each : kinds)
         if (const int error = process.start(each); error != 0)
             return told(
                 program,
-                QStringLiteral("cannot serve as %1: %2").arg(QLatin1StringView(nameOf(each)), systemErrorText(error)),
+                QStringLiteral("cannot serve as %1: %2").arg(QLatin1StringView(nameOf(each)), whyItCannotServe(error)),
                 kFailed);
     return kDone;
 }

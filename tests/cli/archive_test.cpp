@@ -247,7 +247,9 @@ TEST_F(Archive, TakesNoCaptureWhereNoSchedulerIs)
     const RunResult result = run({"capture", "--to", "Home.zephra", "items"}, {.workingFolder = m_tree.bytes(".")});
 
     EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(result.errors.endsWith("havrel: scheduler: it cannot be reached\n")) << result.errors.constData();
+    EXPECT_TRUE(result.errors.endsWith("havrel: scheduler: it cannot be reached: there is no session bus, or the "
+                                       "components are not installed (havrel components run starts them)\n"))
+        << result.errors.constData();
 }
 
 TEST_F(Archive, IsListedWithWhatWasCaptured)
