@@ -25,6 +25,7 @@ public:
     AlertBox(const Alert& alert, QWidget* parent)
         : QMessageBox(iconOf(alert.style), {}, alert.messageText, NoButton, parent)
     {
+        setWindowTitle(QStringLiteral("Havrel")); // else it would be the name of the program's file
         setInformativeText(alert.informativeText);
         // Names come from files: nothing in them is markup.
         setTextFormat(Qt::PlainText);
