@@ -11,6 +11,7 @@
 #include <array>
 #include <cerrno>
 #include <optional>
+#include <utility>
 
 #include <fcntl.h>
 
@@ -91,14 +92,14 @@ std::optional<MountEntry> parseEntry(QByteArrayView line)
         return std::nullopt;
     entry.root = fields.nextText();
     entry.mountPoint = fields.nextText();
-    entry.options = fields.nextText();
+    entry.options = fields.next().toByteArray();
     while (!fields.atEnd() && fields.next() != "-") {
     }
     if (fields.atEnd() || entry.mountPoint.isEmpty())
         return std::nullopt;
     entry.type = fields.nextText();
     entry.source = fields.nextText();
-    entry.superOptions = fields.nextText();
+    entry.superOptions = fields.next().toByteArray();
     return entry;
 }
 
@@ -112,56 +113,56 @@ void forEachLine(QByteArrayView text, Take take)
     }
 }
 
-/// Finds which mounts cover others.
+/// Finds which mounts cover others. The way to a mount goes from the outermost one through all that carry it, and
+/// leaves each at the place of the next: whatever else is mounted on a carrier, there or above, is on the way. What is
+/// mounted further inside of a carrier is not: the way has left it by then.
 class Coverage
 {
 public:
     explicit Coverage(const std::vector<MountEntry>& table)
+        : m_table(table)
     {
-        for (const MountEntry& entry : table) {
-            m_parents.insert(entry.id, entry.parent);
-            m_byPlace.insert(entry.mountPoint, entry.id);
+        for (std::size_t row = 0; row < table.size(); ++row) {
+            m_byId.insert(table[row].id, row);
+            m_byPlace.insert({table[row].parent, table[row].mountPoint}, row);
         }
     }
 
-    [[nodiscard]] bool isCovered(const MountEntry& entry) const
+    [[nodiscard]] bool isCovered(std::size_t row) const
     {
-        QByteArray place = entry.mountPoint;
-        while (!isCoveredAt(place, entry)) {
+        if (isHidden(row, m_table[row].mountPoint, {}))
+            return true;
+        for (std::size_t steps = 0; steps < m_table.size(); ++steps) { // a circle would be a broken table
+            const auto carrier = m_byId.find(m_table[row].parent);
+            if (carrier == m_byId.end())
+                return false;
+            if (isHidden(*carrier, m_table[row].mountPoint, row))
+                return true;
+            row = *carrier;
+        }
+        return false;
+    }
+
+private:
+    /// Whether something on \p carrier hides \p place, which \p next is mounted on if anything is: of two on one place
+    /// the later one is seen.
+    [[nodiscard]] bool isHidden(std::size_t carrier, QByteArray place, std::optional<std::size_t> next) const
+    {
+        for (bool isAbove = false;; isAbove = true) {
+            const auto [begin, end] = m_byPlace.equal_range({m_table[carrier].id, place});
+            for (auto at = begin; at != end; ++at)
+                if (*at != carrier && (!next || *at > *next || (isAbove && *at != *next)))
+                    return true;
             const qsizetype slash = place.lastIndexOf('/');
             if (place.size() < 2 || slash < 0)
                 return false;
             place.truncate(slash == 0 ? 1 : slash);
         }
-        return true;
     }
 
-private:
-    /// What is mounted at or above a mount's place either carries the mount or came on top of it.
-    [[nodiscard]] bool isCoveredAt(const QByteArray& place, const MountEntry& entry) const
-    {
-        const auto [begin, end] = m_byPlace.equal_range(place);
-        for (auto at = begin; at != end; ++at)
-            if (*at != entry.id && !carries(*at, entry))
-                return true;
-        return false;
-    }
-    [[nodiscard]] bool carries(std::uint64_t mount, const MountEntry& entry) const
-    {
-        std::uint64_t at = entry.parent;
-        for (qsizetype steps = 0; steps <= m_parents.size(); ++steps) { // a circle would be a broken table
-            if (at == mount)
-                return true;
-            const auto parent = m_parents.find(at);
-            if (parent == m_parents.end())
-                return false;
-            at = *parent;
-        }
-        return true;
-    }
-
-    QHash<std::uint64_t, std::uint64_t> m_parents;
-    QMultiHash<QByteArray, std::uint64_t> m_byPlace;
+    const std::vector<MountEntry>& m_table;
+    QHash<std::uint64_t, std::size_t> m_byId;
+    QMultiHash<std::pair<std::uint64_t, QByteArray>, std::size_t> m_byPlace;
 };
 
 /// Reads on to the end, so that the kernel writes as much as it can at once. Answers 0 or an errno value.
@@ -208,9 +209,9 @@ std::vector<MountEntry> uncoveredMounts(const std::vector<MountEntry>& table)
 {
     const Coverage coverage(table);
     std::vector<MountEntry> uncovered;
-    for (const MountEntry& entry : table)
-        if (!coverage.isCovered(entry))
-            uncovered.push_back(entry);
+    for (std::size_t row = 0; row < table.size(); ++row)
+        if (!coverage.isCovered(row))
+            uncovered.push_back(table[row]);
     return uncovered;
 }
 

@@ -9,7 +9,8 @@
 
 namespace havrel::platform {
 
-/// One row of the kernel's table of mounts. All names are bytes, unescaped.
+/// One row of the kernel's table of mounts. All names are bytes, unescaped. Options stay escaped: what is an
+/// escaped comma inside of one does not part two.
 struct MountEntry
 {
     std::uint64_t id = 0;

@@ -90,7 +90,7 @@ TEST(MountTable, LeavesOutWhatIsNoRow)
 
 TEST(MountTable, ComesBackFromItsText)
 {
-    const MountEntry entry{7, 6, 8, 1, "/ r", "/a\\ \t\n#\xFE", "rw,x=\\", "fuse.a b", "s o", "rw, "};
+    const MountEntry entry{7, 6, 8, 1, "/ r", "/a\\ \t\n#\xFE", "rw,x=\\134", "fuse.a b", "s o", "rw,\\040"};
     EXPECT_EQ(onlyEntry(mountLine(entry)), entry);
     EXPECT_EQ(onlyEntry(mountLine(entry, "shared:1 master:2")), entry);
 }
@@ -119,7 +119,10 @@ TEST(MountTable, LeavesOutMountsThatOthersCover)
         {{mount(1, 0, "/"), mount(2, 1, "/a"), mount(3, 2, "/a"), mount(4, 3, "/a/b")}, {1, 3, 4}},
         {{mount(1, 0, "/"), mount(2, 1, "/a"), mount(3, 1, "/ab"), mount(4, 1, "/a b")}, {1, 2, 3, 4}},
         {{mount(1, 0, "/"), mount(2, 1, "/"), mount(3, 2, "/a"), mount(4, 1, "/b")}, {2, 3}}, // on the root
-        {{mount(1, 2, "/a"), mount(2, 1, "/b")}, {1, 2}}, // a circle, which no kernel writes
+        {{mount(1, 0, "/"), mount(2, 1, "/a"), mount(3, 2, "/a/b"), mount(4, 2, "/a"), mount(5, 4, "/a/b")},
+         {1, 4, 5}},                                                        // on the same place of another mount
+        {{mount(1, 0, "/"), mount(2, 1, "/a"), mount(3, 1, "/a")}, {1, 3}}, // the later of two on one place
+        {{mount(1, 2, "/a"), mount(2, 1, "/b")}, {1, 2}},                   // a circle, which no kernel writes
     };
     for (const Covering& each : cases) {
         std::set<std::uint64_t> uncovered;
@@ -131,6 +134,7 @@ TEST(MountTable, LeavesOutMountsThatOthersCover)
 
 TEST(MountTable, FindsOptionsAsWholeWords)
 {
+    EXPECT_FALSE(hasMountOption(onlyEntry("7 6 0:8 / /a rw - overlay none rw,lowerdir=/x\\054ro").superOptions, "ro"));
     EXPECT_TRUE(hasMountOption("ro", "ro"));
     EXPECT_TRUE(hasMountOption("rw,ro", "ro"));
     EXPECT_TRUE(hasMountOption("ro,noexec", "ro"));

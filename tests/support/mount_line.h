@@ -27,11 +27,10 @@ inline QByteArray mountLine(const platform::MountEntry& entry, const QByteArray&
                           QByteArray::number(entry.major) + ':' + QByteArray::number(entry.minor),
                           escapedMountText(entry.root),
                           escapedMountText(entry.mountPoint),
-                          escapedMountText(entry.options)};
+                          entry.options};
     if (!optional.isEmpty())
         fields << optional;
-    fields << "-" << escapedMountText(entry.type) << escapedMountText(entry.source)
-           << escapedMountText(entry.superOptions);
+    fields << "-" << escapedMountText(entry.type) << escapedMountText(entry.source) << entry.superOptions;
     return fields.join(' ') + '\n';
 }
 
