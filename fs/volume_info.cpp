@@ -314,7 +314,9 @@ QVariant JNVolumeInfo::nsAttributes()
     }
     platform::FileSystem asked = stat();
     const auto number = platform::deviceId(cPath());
-    const int error = number ? platform::askForStatistics(asked) : platform::findName(cPath());
+    int error = number ? platform::askForStatistics(asked) : platform::findName(cPath());
+    if (!number && error == 0)
+        error = ENOENT; // it has come back between the two
     if (error != 0) {
         Logr::log(LogClassification::Debug,
                   QStringLiteral("-[JNVolumeInfo nsAttributes] problem obtaining NSFileManager attributes for "
