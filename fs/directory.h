@@ -143,7 +143,7 @@ public:
     [[nodiscard]] JNAbstractDirectoryPtr firstAbstractDirectory() override; ///< \selector firstAbstractDirectory
 
 private:
-    /// The entries as they were at some moment, and which state of the list that was.
+    /// The entries as they were at some moment, which state of the list that was, and whether they are by name now.
     struct Snapshot
     {
         std::vector<JNFileInfoPtr> entries;
@@ -152,15 +152,15 @@ private:
     };
 
     void standFor(const std::shared_ptr<JNPath>& pathObject);
-    [[nodiscard]] std::shared_ptr<JNVolumeInfo> findVolume() const HAVREL_REQUIRES(m_volumeLock);
     [[nodiscard]] std::shared_ptr<JNVolumeInfo> volume() const HAVREL_EXCLUDES(m_volumeLock);
     [[nodiscard]] bool isRead() const HAVREL_EXCLUDES(m_listLock);
+    [[nodiscard]] bool isSorted() const HAVREL_EXCLUDES(m_listLock);
     [[nodiscard]] Snapshot snapshot() HAVREL_EXCLUDES(m_listLock);
     [[nodiscard]] bool relink(const Snapshot& sorted) HAVREL_EXCLUDES(m_listLock);
 
     mutable RecursiveMutex m_volumeLock; // a volume asks its root directory, which asks the volume
     mutable std::shared_ptr<JNVolumeInfo> m_volumeInfo HAVREL_GUARDED_BY(m_volumeLock);
-    std::weak_ptr<JNVolumeInfo> m_circularVolInfo HAVREL_GUARDED_BY(m_volumeLock);
+    mutable std::weak_ptr<JNVolumeInfo> m_circularVolInfo HAVREL_GUARDED_BY(m_volumeLock);
 
     mutable UnfairLock m_listLock; // taken after the process-wide lock of readings; of entries, only inside it
     EntryList m_list HAVREL_GUARDED_BY(m_listLock);

@@ -80,11 +80,11 @@ void JNDirectory::lazyDirectoryRead(EntryDetail detail)
 {
     if (isRead())
         return;
-    const JNPathPtr path = pathObject();
     Reading& shared = reading();
     const MutexLock readLock(shared.lock);
     if (isRead())
         return;
+    const JNPathPtr path = pathObject(); // by now: who gives it another one flushes what was read after that
     const platform::OwnedDescriptor folder = platform::openFolder(path->cPath());
     if (!folder.isOpen())
         return;

@@ -44,7 +44,7 @@ JNDirectory::Snapshot JNDirectory::snapshot()
 {
     lazyDirectoryRead();
     const MutexLock lock(m_listLock);
-    return {.entries = m_list.entries(), .generation = m_generation, .isSorted = m_isSorted};
+    return {.entries = m_list.entries(), .generation = m_generation, .isSorted = false};
 }
 
 /// Whether the list is still the one that was sorted: it then has the new order.
@@ -55,19 +55,25 @@ bool JNDirectory::relink(const Snapshot& sorted)
         return false;
     m_list.relink(sorted.entries);
     ++m_generation;
-    m_isSorted = sorted.isSorted;
+    m_isSorted = sorted.isSorted && m_isRead; // what cannot be read yet is no order of what will be
     return true;
+}
+
+bool JNDirectory::isSorted() const
+{
+    const MutexLock lock(m_listLock);
+    return m_isSorted;
 }
 
 void JNDirectory::sort()
 {
-    Snapshot sorted;
-    do {
-        sorted = snapshot();
-        if (std::exchange(sorted.isSorted, true))
-            return;
+    while (!isSorted()) {
+        Snapshot sorted = snapshot();
+        sorted.isSorted = true;
         sortByName(sorted.entries);
-    } while (!relink(sorted));
+        if (relink(sorted))
+            return;
+    }
 }
 
 void JNDirectory::resortUsing(const EntryComparison& compare)
@@ -75,7 +81,6 @@ void JNDirectory::resortUsing(const EntryComparison& compare)
     Snapshot sorted;
     do {
         sorted = snapshot();
-        sorted.isSorted = false;
         sortEntries(sorted.entries, compare);
     } while (!relink(sorted));
 }

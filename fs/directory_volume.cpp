@@ -35,8 +35,14 @@ std::shared_ptr<JNVolumeInfo> JNDirectory::volume() const
     const MutexLock lock(m_volumeLock);
     if (auto owner = m_circularVolInfo.lock())
         return owner;
-    if (!m_volumeInfo)
-        m_volumeInfo = findVolume();
+    if (m_volumeInfo)
+        return m_volumeInfo;
+    if (const auto parent = livingParent(); parent && !isMountPoint()) {
+        auto ofParent = parent->volumeInfo();
+        m_circularVolInfo = ofParent; // it may own the parent, whose entry this is
+        return ofParent;
+    }
+    m_volumeInfo = JNVolumeInfo::withPath(cPath());
     return m_volumeInfo;
 }
 
@@ -46,12 +52,6 @@ void JNDirectory::setVolumeInfo(const std::shared_ptr<JNVolumeInfo>& volumeInfo)
     const MutexLock lock(m_volumeLock);
     m_circularVolInfo = volumeInfo;
     m_volumeInfo.swap(dropped);
-}
-
-std::shared_ptr<JNVolumeInfo> JNDirectory::findVolume() const
-{
-    const auto parent = livingParent();
-    return parent && !isMountPoint() ? parent->volumeInfo() : JNVolumeInfo::withPath(cPath());
 }
 
 QString JNDirectory::displayName() const

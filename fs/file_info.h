@@ -262,6 +262,7 @@ protected:
     [[nodiscard]] virtual int getCommonAttrs() const HAVREL_REQUIRES(m_attrLock);
     /// Throws "failed to get attributes" unless \p error is 0.
     void requireAttributes(int error) const;
+    [[nodiscard]] bool lacks(std::uint8_t flag) const HAVREL_REQUIRES(m_attrLock);
 
     mutable UnfairLock m_attrLock; // of everything that changes; no call that takes another information's lock under it
 

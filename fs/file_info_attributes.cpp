@@ -27,6 +27,13 @@ int JNFileInfo::getCommonAttrs() const
     return error;
 }
 
+/// Whether something is still to be asked that comes with the attributes, by a call of its own. Never of what does not
+/// exist, which has no attributes.
+bool JNFileInfo::lacks(std::uint8_t flag) const
+{
+    return (m_flags & HasAttributes) != 0 && (m_flags & flag) == 0;
+}
+
 void JNFileInfo::requireAttributes(int error) const
 {
     if (error != 0)
@@ -116,8 +123,15 @@ std::optional<Timestamp> JNFileInfo::dateOf(ItemTime which) const
 
 std::uint32_t JNFileInfo::script() const
 {
-    const MutexLock lock(m_attrLock);
-    return m_script;
+    std::uint32_t script = 0;
+    int error = 0;
+    {
+        const MutexLock lock(m_attrLock);
+        error = getCommonAttrs();
+        script = m_script;
+    }
+    requireAttributes(error);
+    return script;
 }
 
 void JNFileInfo::setScript(std::uint32_t script)
@@ -215,12 +229,19 @@ void JNFileInfo::setAccess(std::uint16_t access)
 
 std::uint16_t JNFileInfo::effectiveAccess() const
 {
-    const MutexLock lock(m_attrLock);
-    if ((m_flags & HasEffectiveAccess) == 0) {
-        m_effectiveAccess = platform::effectiveAccess(cPath_nonblocking());
-        m_flags |= HasEffectiveAccess;
+    std::uint16_t access = 0;
+    int error = 0;
+    {
+        const MutexLock lock(m_attrLock);
+        error = getCommonAttrs();
+        if (lacks(HasEffectiveAccess)) {
+            m_effectiveAccess = platform::effectiveAccess(cPath_nonblocking());
+            m_flags |= HasEffectiveAccess;
+        }
+        access = m_effectiveAccess;
     }
-    return m_effectiveAccess;
+    requireAttributes(error);
+    return access;
 }
 
 std::uint64_t JNFileInfo::localIdentifier() const
@@ -250,7 +271,7 @@ std::shared_ptr<const AccessList> JNFileInfo::acl() const
     {
         const MutexLock lock(m_attrLock);
         error = getCommonAttrs();
-        if (error == 0 && (m_flags & HasAccessList) == 0) {
+        if (lacks(HasAccessList)) {
             if (auto found = accessListOf(cPath_nonblocking()))
                 m_acl = std::make_shared<const AccessList>(*std::move(found));
             m_flags |= HasAccessList;

@@ -6,6 +6,7 @@
 #include "fs/sub_path.h"
 #include "fs/symbolic_link.h"
 #include "platform/random.h"
+#include "tests/fs/directory_fixture.h"
 #include "tests/support/awaited.h"
 #include "tests/support/item_facts.h"
 #include "tests/support/ordinary_user.h"
@@ -32,20 +33,6 @@ namespace havrel {
 namespace {
 
 using namespace havrel::tests;
-
-std::shared_ptr<JNDirectory> directoryIn(const TemporaryTree& tree, std::string_view name = "")
-{
-    const QByteArray path = name.empty() ? QByteArray::fromStdString(tree.root()) : tree.bytes(name);
-    return JNFileInfo::infoForCPath(path)->asDirectory();
-}
-
-QStringList namesIn(JNDirectory& directory)
-{
-    QStringList names;
-    for (const JNFileInfoPtr& each : directory)
-        names << each->name();
-    return names;
-}
 
 QStringList sortedNamesIn(JNDirectory& directory)
 {
@@ -387,89 +374,6 @@ TEST(JNDirectory, ContainsWhatIsBelowItsPathByTheText)
     EXPECT_FALSE(directory("/a")->containsFile(*file("/ab")));
     EXPECT_FALSE(directory("/a")->containsFile(*file("/a")));
     EXPECT_FALSE(directory("/")->containsFile(*file("/a")));
-}
-
-TEST(JNDirectory, SortsByNameOnce)
-{
-    const TemporaryTree tree({"file 10", "File 2", "a", "B", "\xff"});
-    const auto directory = directoryIn(tree);
-    directory->sort();
-    const QStringList sorted = namesIn(*directory);
-    EXPECT_EQ(sorted.indexOf(QStringLiteral("B")), sorted.indexOf(QStringLiteral("a")) + 1);
-    EXPECT_EQ(sorted.indexOf(QStringLiteral("file 10")), sorted.indexOf(QStringLiteral("File 2")) + 1);
-    for (auto each = directory->firstObject(); each->nextObj(); each = each->nextObj())
-        EXPECT_TRUE(each->compareNames(*each->nextObj()) < 0);
-    const auto first = directory->firstObject();
-    directory->sort();
-    EXPECT_EQ(directory->firstObject(), first);
-    EXPECT_EQ(directory->count(), 5U);
-
-    int compared = 0;
-    directory->resortUsing([&compared](const JNFileInfo& one, const JNFileInfo& other) {
-        ++compared;
-        return other.compareNames(one);
-    });
-    EXPECT_GT(compared, 0);
-    QStringList reversed = sorted;
-    std::reverse(reversed.begin(), reversed.end());
-    EXPECT_EQ(namesIn(*directory), reversed);
-    directory->sort();
-    EXPECT_EQ(namesIn(*directory), sorted) << "another order is no order by name";
-}
-
-TEST(JNDirectory, KeepsTheOrderOfEntriesThatCompareEqual)
-{
-    const TemporaryTree tree;
-    for (int i = 0; i < 300; ++i)
-        tree.add(std::to_string(i));
-    const auto directory = directoryIn(tree);
-    const QStringList before = namesIn(*directory);
-    directory->resortUsing([](const JNFileInfo&, const JNFileInfo&) { return std::strong_ordering::equal; });
-    EXPECT_EQ(namesIn(*directory), before);
-    directory->resortUsing(
-        [](const JNFileInfo& one, const JNFileInfo& other) { return one.cName().size() <=> other.cName().size(); });
-    QStringList expected = before;
-    std::stable_sort(expected.begin(), expected.end(), [](const QString& one, const QString& other) {
-        return one.size() < other.size();
-    });
-    EXPECT_EQ(namesIn(*directory), expected);
-}
-
-TEST(JNDirectory, StaysAsItWasWhenComparingThrows)
-{
-    const TemporaryTree tree({"a", "b", "c"});
-    const auto directory = directoryIn(tree);
-    const QStringList before = namesIn(*directory);
-    EXPECT_THROW(directory->resortUsing([](const JNFileInfo&, const JNFileInfo&) -> std::strong_ordering {
-        throw std::runtime_error("no order");
-    }),
-                 std::runtime_error);
-    EXPECT_EQ(namesIn(*directory), before);
-}
-
-TEST(JNDirectory, MayBeUsedWhileItIsSorted)
-{
-    const TemporaryTree tree({"a", "b", "c"});
-    const auto directory = directoryIn(tree);
-    bool flushed = false;
-    directory->resortUsing([&](const JNFileInfo& one, const JNFileInfo& other) {
-        if (!std::exchange(flushed, true))
-            directory->flushDirectoryContents();
-        return other.compareNames(one);
-    });
-    EXPECT_EQ(namesIn(*directory), QStringList({QStringLiteral("c"), QStringLiteral("b"), QStringLiteral("a")}))
-        << "what was read anew is sorted as well";
-}
-
-TEST(JNDirectory, SortsNothingAndOneThing)
-{
-    const TemporaryTree tree({"empty/", "one/", "one/file"});
-    for (const char* name : {"empty", "one"}) {
-        const auto directory = directoryIn(tree, name);
-        directory->sort();
-        directory->resortUsing([](const JNFileInfo&, const JNFileInfo&) { return std::strong_ordering::equal; });
-        EXPECT_EQ(namesIn(*directory).size(), directory->count());
-    }
 }
 
 TEST(JNDirectory, MakesDirectories)

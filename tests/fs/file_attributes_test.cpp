@@ -333,6 +333,27 @@ TEST(FileAttributes, TellWhatThisProcessMayDo)
     EXPECT_EQ(infoIn(tree, "missing")->effectiveAccess(), 0);
 }
 
+TEST(FileAttributes, OfWhatIsNotThereStayEmptyWhenItComes)
+{
+    const TemporaryTree tree;
+    const auto info = infoIn(tree, "later");
+    tree.add("later");
+    EXPECT_EQ(info->effectiveAccess(), 0);
+    EXPECT_EQ(info->acl(), nullptr);
+    EXPECT_EQ(info->script(), 0U);
+}
+
+TEST(FileAttributes, OfWhatHasGoneCannotBeTold)
+{
+    const TemporaryTree tree({"file"});
+    const auto info = infoIn(tree, "file");
+    ASSERT_TRUE(std::filesystem::remove(tree.path("file")));
+    const QString expected = QStringLiteral("failed to get attributes");
+    EXPECT_EQ(raisedBy([&] { (void)info->effectiveAccess(); }).reason(), expected);
+    EXPECT_EQ(raisedBy([&] { (void)info->script(); }).reason(), expected);
+    EXPECT_EQ(raisedBy([&] { (void)info->acl(); }).reason(), expected);
+}
+
 TEST(FileAttributes, HoldTheAccessListOnce)
 {
     const TemporaryTree tree({"file", "plain"});

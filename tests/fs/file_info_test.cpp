@@ -214,6 +214,20 @@ TEST(JNDirectory, KeepsItsVolumeOrTheOneItIsTold)
     EXPECT_TRUE(directory->volumeInfo()->isEqual(*own));
 }
 
+TEST(JNDirectory, DoesNotKeepTheVolumeOfItsParentAlive)
+{
+    const TemporaryTree tree({"folder/", "folder/inner/"});
+    const auto parent = pathIn(tree, "folder")->directory();
+    auto told = JNVolumeInfo::withPath(tree.bytes("folder"));
+    parent->setVolumeInfo(told);
+    const auto child = parent->firstDirectory();
+    EXPECT_EQ(child->volumeInfo(), told);
+    const std::weak_ptr<JNVolumeInfo> watched = told; // it may own the parent, whose entry the child is
+    told.reset();
+    EXPECT_TRUE(watched.expired());
+    EXPECT_NE(child->volumeInfo(), nullptr);
+}
+
 TEST(JNDirectory, IsGivenToManyThreads)
 {
     const TemporaryTree tree({"folder/"});
