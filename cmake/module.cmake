@@ -1,8 +1,9 @@
 # SPDX-License-Identifier: MIT
-# add_module(<name> SOURCES ... [FORMS <form>.ui...] [LINKS <module>...] [EXTERNAL <target>...])
+# add_module(<name> [UNFUZZED] SOURCES ... [FORMS <form>.ui...] [LINKS <module>...] [EXTERNAL <target>...])
 #
 # One call makes one room of the house: library havrel::<name>, its warning flags, its place in the order of the floors
-# (a module may link only modules that were added before it), and a check that every header compiles alone.
+# (a module may link only modules that were added before it), and a check that every header compiles alone. UNFUZZED: no
+# fuzz target links it.
 # Sources are given relative to the root, because one module may stand in more than one folder. A source includes the
 # form resources/Name.ui as <ui_Name.h>.
 set_property(GLOBAL PROPERTY HAVREL_LAYERS "")
@@ -28,20 +29,22 @@ function(precompile_often_included target kind)
         <vector> ${ARGN})
 endfunction()
 
-# A source includes its own header first: building it where nothing is precompiled, as the presets clang, fuzz and release
-# do, shows that the header stands alone. That leaves headers without a source.
-function(headers_to_verify result)
+# A source includes its own header first: where nothing is precompiled, as for the fuzz targets, building it shows that
+# the header stands alone. That leaves headers without a source, and the modules that no fuzz target links.
+function(headers_to_verify result isUnfuzzed)
     set(headers ${ARGN})
     list(FILTER headers INCLUDE REGEX "\\.h$")
-    set(shown ${ARGN})
-    list(FILTER shown INCLUDE REGEX "\\.cpp$")
-    list(TRANSFORM shown REPLACE "\\.cpp$" ".h")
-    list(REMOVE_ITEM headers ${shown})
+    if(NOT isUnfuzzed)
+        set(shown ${ARGN})
+        list(FILTER shown INCLUDE REGEX "\\.cpp$")
+        list(TRANSFORM shown REPLACE "\\.cpp$" ".h")
+        list(REMOVE_ITEM headers ${shown})
+    endif()
     set(${result} ${headers} PARENT_SCOPE)
 endfunction()
 
 function(add_module name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;FORMS;LINKS;EXTERNAL" ${ARGN})
+    cmake_parse_arguments(ARG "UNFUZZED" "" "SOURCES;FORMS;LINKS;EXTERNAL" ${ARGN})
     get_property(layers GLOBAL PROPERTY HAVREL_LAYERS)
     foreach(dep IN LISTS ARG_LINKS)
         if(NOT dep IN_LIST layers)
@@ -62,7 +65,7 @@ function(add_module name)
     precompile_often_included(${name} libraries)
     set_property(GLOBAL APPEND PROPERTY HAVREL_LAYERS ${name})
 
-    headers_to_verify(headers ${ARG_SOURCES})
+    headers_to_verify(headers ${ARG_UNFUZZED} ${ARG_SOURCES})
     if(headers)
         target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${headers})
         set_target_properties(${name} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
